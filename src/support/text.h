@@ -1,0 +1,53 @@
+// Bounded text: composing, scanning and copying. Capacities count the terminator, in characters for 16-bit
+// text and in bytes for 8-bit text. Conversions between the widths go by the ANSI code page.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdarg>
+#include <cstddef>
+
+// Composes 16-bit text by `format`: %s 16-bit text, %S 8-bit text, %d %u %x (32 bits), %lx the same as %x, %ls
+// the same as %s, %c, %%, and a minimum width with zero or blank padding before d, u and x (%04x). A null text
+// counts as empty. The result is always terminated: 1 when the whole text fits, 0 when it was cut.
+int format_text(WCHAR* out, size_t capacity, const WCHAR* format, ...);
+int format_text_list(WCHAR* out, size_t capacity, const WCHAR* format, va_list arguments);
+
+// The same for 8-bit text, where %s is 8-bit text and there is no %S. A cut never leaves half a character.
+int format_ansi(char* out, size_t capacity, const char* format, ...);
+
+// Scans 8-bit text by a format of "%d" and literal characters, as the standard scan does: white space before a
+// number is skipped, a sign is taken, numbers saturate at the 32-bit limits. `values` has room for
+// `value_count` numbers, which are set to 0 first. Gives the number of fields converted, or -1 when the text
+// ends before the first.
+int scan_numbers(const char* text, const char* format, int* values, size_t value_count);
+
+// The decimal number at the start of the text: white space, sign, digits; saturating; 0 when there is no digit.
+int scan_number(const char* text);
+
+size_t text_length(const WCHAR* text); // null gives 0
+size_t ansi_length(const char* text);  // null gives 0
+
+// Copy and append, always terminated: 1 when everything fits, 0 when it was cut. Null counts as empty.
+int copy_text(WCHAR* out, size_t capacity, const WCHAR* text);
+int append_text(WCHAR* out, size_t capacity, const WCHAR* text);
+int copy_ansi(char* out, size_t capacity, const char* text);
+
+// To 16-bit and to 8-bit text by the ANSI code page; always terminated, 1 when everything fits, 0 when it was
+// cut or can't be converted. A cut never leaves half a character.
+int widen(WCHAR* out, size_t capacity, const char* text);
+int narrow(char* out, size_t capacity, const WCHAR* text);
+
+// The first place of `part` in `text`, exact, or null.
+const WCHAR* find_text(const WCHAR* text, const WCHAR* part);
+const char* find_ansi(const char* text, const char* part);
+int starts_with(const WCHAR* text, const WCHAR* start); // 1 or 0
+int ansi_starts_with(const char* text, const char* start);
+
+// Whether the text is one plain file or folder name: not empty, not "." or "..", no separator, colon, wildcard,
+// quote, angle bracket, bar or control character, and no blank or point at its end.
+int is_plain_name(const WCHAR* name);
+
+// Zeroed memory of the process heap, or null; the second gives it back (null is accepted).
+void* allocate_bytes(size_t bytes);
+void release_bytes(void* block);

@@ -1,0 +1,71 @@
+#include "harness/test_session.h"
+
+#include <windows.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path make_temporary_folder() {
+    std::string name = (fs::temp_directory_path() / "trk-test-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr)
+        std::abort();
+    return name;
+}
+
+} // namespace
+
+TemporaryFolder::TemporaryFolder() : path(make_temporary_folder()) {}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    fs::remove_all(path, ignored);
+}
+
+TestSession::TestSession() {
+    fs::create_directories(drive_c / "Windows" / "Temp");
+    fs::create_directories(drive_c / "Program Files");
+    fs::create_directories(drive_c / "ProgramData" / "Microsoft" / "Windows" / "Start Menu" / "Programs");
+    fs::create_directories(medium);
+}
+
+TestSession::~TestSession() { stop(); }
+
+platform::Session& TestSession::start() {
+    std::destroy_at(&app);
+    std::construct_at(&app);
+    platform::SessionOptions options;
+    options.drive_c = drive_c;
+    options.medium = medium;
+    options.resources = TRK_RESOURCE_FILE;
+    session_.emplace(machine, options, user);
+    app.log_handle = CreateFileW(TEXT("C:\\Windows\\Temp\\trk_install.log"), FILE_APPEND_DATA,
+                                 FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    return *session_;
+}
+
+void TestSession::stop() {
+    if (!session_)
+        return;
+    if (app.log_handle != INVALID_HANDLE_VALUE)
+        CloseHandle(app.log_handle);
+    app.log_handle = INVALID_HANDLE_VALUE;
+    session_.reset();
+}
+
+void TestSession::write(const fs::path& file, const std::string& bytes) {
+    fs::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << bytes;
+}
+
+std::string TestSession::read(const fs::path& file) {
+    std::ostringstream bytes;
+    bytes << std::ifstream(file, std::ios::binary).rdbuf();
+    return bytes.str();
+}
+
+std::string TestSession::log() const { return read(drive_c / "Windows" / "Temp" / "trk_install.log"); }
