@@ -1,0 +1,61 @@
+// Ids of the templates, controls and strings. Read by the resource compiler too, hence plain macros.
+#pragma once
+
+#define IDD_TERMS 101
+#define IDD_ADDRESS 104
+#define IDD_MAIN 105
+
+#define IDB_PICTURE 104
+#define IDI_SETUP 1
+
+// Dialog 105, the main dialog.
+#define IDC_PRINTER_LIST 1003
+#define IDC_VERSION_LABEL 1005
+#define IDC_VERSION 1006
+#define IDC_DEFAULT_PRINTER 1007
+#define IDC_STATUS 1009
+#define IDC_HEADLINE 1010
+#define IDC_USB 1013
+#define IDC_NETWORK 1014
+#define IDC_INSTALL 1015
+#define IDC_SPECIFY_IP 1016
+#define IDC_REFRESH 1017
+#define IDC_PICTURE 104
+
+// Dialog 104, the typed address.
+#define IDC_ADDRESS 1000
+#define IDC_ADDRESS_LABEL 1001
+
+// Dialog 101, the terms page.
+#define IDC_TERMS_TEXT 1010
+#define IDC_ACCEPT 1011
+#define IDC_TERMS_HEADLINE 1012
+
+// Strings that the program loads.
+#define IDS_CAPTION 401
+#define IDS_CONNECTION_TYPE 402
+#define IDS_USB 403
+#define IDS_NETWORK 404
+#define IDS_INSTALL_PRINTER 405
+#define IDS_VERSION 406
+#define IDS_DEFAULT_PRINTER 407
+#define IDS_SPECIFY_IP 408
+#define IDS_REFRESH 409
+#define IDS_DO_NOT_CONNECT_USB 410
+#define IDS_INSTALLER 411
+#define IDS_AVAILABLE_PRINTERS 413
+#define IDS_INSTALLED 414
+#define IDS_INSTALLED_PLUG_USB 415
+#define IDS_INSTALLING_MONITOR 417
+#define IDS_ADDING_PORT 418
+#define IDS_ADDING_PRINTER 419
+#define IDS_LICENSE_AGREEMENT 420
+#define IDS_ACCEPT_TERMS 421
+#define IDS_USB_CAN_BE_PLUGGED_IN 422
+#define IDS_ALREADY_INSTALLED 423
+#define IDS_DIFFERENT_VERSION 424
+#define IDS_UNINSTALL_FIRST 425
+#define IDS_INSTALL_FAILED 426
+#define IDS_SETTING_UP_FAILED 427
+#define IDS_CHECK_PERMISSIONS 428
+#define IDS_PORT_TAKEN 429
