@@ -1,0 +1,39 @@
+#include "support/text.h"
+
+size_t text_length(const WCHAR* text) {
+    size_t length = 0;
+    while (text != nullptr && text[length] != 0)
+        ++length;
+    return length;
+}
+
+size_t ansi_length(const char* text) {
+    size_t length = 0;
+    while (text != nullptr && text[length] != 0)
+        ++length;
+    return length;
+}
+
+int copy_text(WCHAR* out, size_t capacity, const WCHAR* text) {
+    if (capacity == 0)
+        return 0;
+    size_t used = 0;
+    for (; text != nullptr && text[used] != 0 && used + 1 < capacity; ++used)
+        out[used] = text[used];
+    out[used] = 0;
+    return text == nullptr || text[used] == 0;
+}
+
+int append_text(WCHAR* out, size_t capacity, const WCHAR* text) {
+    const size_t used = text_length(out);
+    return used < capacity && copy_text(out + used, capacity - used, text);
+}
+
+void* allocate_bytes(size_t bytes) {
+    return HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, bytes);
+}
+
+void release_bytes(void* block) {
+    if (block != nullptr)
+        HeapFree(GetProcessHeap(), 0, block);
+}
