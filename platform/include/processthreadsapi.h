@@ -5,11 +5,11 @@
 
 struct SECURITY_ATTRIBUTES;
 
-#define INFINITE 0xFFFFFFFFu
+#define INFINITE 0xffffffffu
 #define WAIT_OBJECT_0 0x00000000u
 #define WAIT_ABANDONED 0x00000080u
 #define WAIT_TIMEOUT 258u
-#define WAIT_FAILED 0xFFFFFFFFu
+#define WAIT_FAILED 0xffffffffu
 #define STILL_ACTIVE 259u
 
 struct STARTUPINFOW {
