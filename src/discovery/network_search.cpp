@@ -24,8 +24,8 @@ constexpr char discovery_group[] = "239.255.255.253";
 constexpr DWORD receive_timeout = 1000; // milliseconds
 constexpr int receive_turns = 10;       // for each interface
 
-// Link-local addresses, 169.254.x.x, in network order in a little-endian word. The test is one of bits: it takes
-// 169.255.x.x and 171.254.x.x with it, and the all-ones value of a text that isn't an address.
+// Link-local addresses, 169.254.x.x, in network order in a little-endian word. The test is one of bits: it
+// takes 169.255.x.x and 171.254.x.x with it, and the all-ones value of a text that isn't an address.
 constexpr DWORD link_local_bits = 0xFEA9;
 
 int usable_address(DWORD address) {
@@ -51,7 +51,8 @@ void add_adapters(const IP_ADAPTER_INFO* adapter) {
 void* size_adapter_list(ULONG* size) {
     *size = first_adapter_buffer;
     void* list = allocate_bytes(*size);
-    if (list == nullptr || GetAdaptersInfo(static_cast<IP_ADAPTER_INFO*>(list), size) != ERROR_BUFFER_OVERFLOW)
+    if (list == nullptr ||
+        GetAdaptersInfo(static_cast<IP_ADAPTER_INFO*>(list), size) != ERROR_BUFFER_OVERFLOW)
         return list;
     release_bytes(list);
     return allocate_bytes(*size);
@@ -80,8 +81,8 @@ int set_multicast_ttl(SOCKET handle) {
     return setsockopt(handle, IPPROTO_IP, IP_MULTICAST_TTL, &ttl, sizeof ttl);
 }
 
-// The socket's options and its address: 1, or 0 when the whole search has to stop. Binding is all that ties the
-// multicast to the interface.
+// The socket's options and its address: 1, or 0 when the whole search has to stop. Binding is all that ties
+// the multicast to the interface.
 int prepare_socket(SOCKET handle, DWORD address) {
     int result = set_socket_option(handle, SO_RCVTIMEO, receive_timeout);
     if (result < 0) {
@@ -111,8 +112,8 @@ int send_request(SOCKET handle) {
     build_slp_request(request);
     const int length = static_cast<int>(read_be_number(3, request + 2));
     const sockaddr_in group = internet_address(inet_addr(discovery_group), discovery_port);
-    if (sendto(handle, reinterpret_cast<const char*>(request), length, 0, reinterpret_cast<const sockaddr*>(&group),
-               sizeof group) < 0) {
+    if (sendto(handle, reinterpret_cast<const char*>(request), length, 0,
+               reinterpret_cast<const sockaddr*>(&group), sizeof group) < 0) {
         log_line(TEXT("failed to send slp\r\n"));
         return 0;
     }
@@ -125,14 +126,14 @@ void receive_replies(SOCKET handle, const char* model_tag, PrinterFound found) {
     for (int turn = 0; turn < receive_turns; ++turn) {
         sockaddr_in sender = {};
         int sender_size = sizeof sender;
-        const int length =
-            recvfrom(handle, datagram, sizeof datagram, 0, reinterpret_cast<sockaddr*>(&sender), &sender_size);
+        const int length = recvfrom(handle, datagram, sizeof datagram, 0,
+                                    reinterpret_cast<sockaddr*>(&sender), &sender_size);
         if (length < 0)
             return;
         char address[printer_address_capacity];
         char name[printer_name_capacity];
-        if (read_slp_reply(reinterpret_cast<const BYTE*>(datagram), length, model_tag, sender.sin_addr.s_addr, address,
-                           name))
+        if (read_slp_reply(reinterpret_cast<const BYTE*>(datagram), length, model_tag, sender.sin_addr.s_addr,
+                           address, name))
             found(address, name);
     }
 }

@@ -20,9 +20,10 @@ extern DWORD adapter_count;
 // Interfaces beyond the table's capacity are left out, with one line in the log.
 DWORD collect_adapters();
 
-// Searches one interface after the other for printers whose attribute text names `model`, calling `found` on the
-// caller's thread for each reply that does. A silent interface takes one second. 1 when all interfaces were served,
-// whatever was found; 0 when the search stopped early or never started. Finds made before that stand.
+// Searches one interface after the other for printers whose attribute text names `model`, calling `found` on
+// the caller's thread for each reply that does. A silent interface takes one second. 1 when all interfaces
+// were served, whatever was found; 0 when the search stopped early or never started. Finds made before that
+// stand.
 int find_slp(const char* model, PrinterFound found);
 
 // 1 when another process holds the discovery port for itself, else 0. Writes nothing and leaves nothing open.

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int text_offset = 20;       // of the attribute list in a reply whose language tag has two bytes
+constexpr int text_offset = 20; // of the attribute list in a reply whose language tag has two bytes
 constexpr int longest_datagram = 4000;
 constexpr size_t echo_capacity = 256; // of the log line that shows a reply's text
 constexpr char service_type[] = "service:printer:raw-tcp";
@@ -91,7 +91,8 @@ DWORD read_be_number(int count, const BYTE* bytes) {
     return value;
 }
 
-int read_slp_reply(const BYTE* datagram, int length, const char* model_tag, DWORD sender, char* address, char* name) {
+int read_slp_reply(const BYTE* datagram, int length, const char* model_tag, DWORD sender, char* address,
+                   char* name) {
     if (length <= 0)
         return 0;
     char text[longest_datagram - text_offset + 1];
@@ -109,10 +110,12 @@ int read_slp_reply(const BYTE* datagram, int length, const char* model_tag, DWOR
 }
 
 void log_slp_header(const BYTE* message) {
-    log_line(TEXT("H2 Version=%d FunctionID=%d Length=%d Flags=%d NextExtOff==%d XID=%d langt_len=%d langt=%x\r\n"),
-             message[0], message[1], read_be_number(3, message + 2), low_byte_first(message + 5),
-             read_be_number(3, message + 7), low_byte_first(message + 10), read_be_number(2, message + 12),
-             low_byte_first(message + 14));
+    log_line(
+        TEXT(
+            "H2 Version=%d FunctionID=%d Length=%d Flags=%d NextExtOff==%d XID=%d langt_len=%d langt=%x\r\n"),
+        message[0], message[1], read_be_number(3, message + 2), low_byte_first(message + 5),
+        read_be_number(3, message + 7), low_byte_first(message + 10), read_be_number(2, message + 12),
+        low_byte_first(message + 14));
 }
 
 DWORD reverse_bytes(DWORD value, int count) {
