@@ -1,0 +1,141 @@
+#include "spooler/inventory.h"
+
+#include <winspool.h>
+
+#include "support/install_log.h"
+#include "support/text.h"
+
+namespace {
+
+constexpr size_t line_capacity = 256;
+
+using EnumerateCall = BOOL (*)(DWORD level, BYTE* records, DWORD size, DWORD* needed, DWORD* count);
+
+// Asks for the size, then for the records. The platform's results aren't looked at: size and count tell. An
+// opening line, if there is one, shows the first call's result and the size.
+void* enumerate(EnumerateCall call, DWORD level, size_t record_size, const WCHAR* opening_line,
+                DWORD* count) {
+    *count = 0;
+    if (record_size == 0)
+        return nullptr;
+    DWORD size = 0;
+    const BOOL result = call(level, nullptr, 0, &size, count);
+    if (opening_line != nullptr)
+        log_line(opening_line, result, size);
+    *count = 0; // it may have been set although nothing was delivered
+    void* records = size != 0 ? allocate_bytes(size) : nullptr;
+    if (records == nullptr)
+        return nullptr;
+    DWORD needed = 0;
+    call(level, static_cast<BYTE*>(records), size, &needed, count);
+    if (*count > size / record_size)
+        *count = static_cast<DWORD>(size / record_size);
+    return records;
+}
+
+BOOL call_printers(DWORD level, BYTE* records, DWORD size, DWORD* needed, DWORD* count) {
+    return EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, level, records, size, needed, count);
+}
+
+BOOL call_drivers(DWORD level, BYTE* records, DWORD size, DWORD* needed, DWORD* count) {
+    return EnumPrinterDriversW(nullptr, nullptr, level, records, size, needed, count);
+}
+
+BOOL call_monitors(DWORD level, BYTE* records, DWORD size, DWORD* needed, DWORD* count) {
+    return EnumMonitorsW(nullptr, level, records, size, needed, count);
+}
+
+BOOL call_ports(DWORD level, BYTE* records, DWORD size, DWORD* needed, DWORD* count) {
+    return EnumPortsW(nullptr, level, records, size, needed, count);
+}
+
+BOOL call_processors(DWORD level, BYTE* records, DWORD size, DWORD* needed, DWORD* count) {
+    return EnumPrintProcessorsW(nullptr, nullptr, level, records, size, needed, count);
+}
+
+int same_text(const WCHAR* field, const WCHAR* name) {
+    return lstrcmpW(field != nullptr ? field : TEXT(""), name) == 0;
+}
+
+void log_entry(DWORD index, const WCHAR* name) {
+    log_line_within(line_capacity, TEXT("%d:%s\r\n"), index, name);
+}
+
+} // namespace
+
+void* enumerate_printers(DWORD level, DWORD* count) {
+    const size_t size = level == 1 ? sizeof(PRINTER_INFO_1W) : level == 2 ? sizeof(PRINTER_INFO_2W) : 0;
+    return enumerate(call_printers, level, size, nullptr, count);
+}
+
+void* enumerate_drivers(DWORD level, DWORD* count) {
+    return enumerate(call_drivers, level, level == 6 ? sizeof(DRIVER_INFO_6W) : 0, nullptr, count);
+}
+
+void* enumerate_monitors(DWORD level, DWORD* count) {
+    return enumerate(call_monitors, level, level == 1 ? sizeof(MONITOR_INFO_1W) : 0,
+                     TEXT("EnumMonitors %d %d\r\n"), count);
+}
+
+void* enumerate_ports(DWORD level, DWORD* count) {
+    return enumerate(call_ports, level, level == 2 ? sizeof(PORT_INFO_2W) : 0, TEXT("EnumPorts %d %d\r\n"),
+                     count);
+}
+
+void* enumerate_processors(DWORD level, DWORD* count) {
+    return enumerate(call_processors, level, level == 1 ? sizeof(PRINTPROCESSOR_INFO_1W) : 0, nullptr, count);
+}
+
+int print_processor_exists(const WCHAR* name) {
+    DWORD count = 0;
+    void* records = enumerate_processors(1, &count);
+    const auto* entries = static_cast<const PRINTPROCESSOR_INFO_1W*>(records);
+    int found = 0;
+    for (DWORD i = 0; i < count && !found; ++i) {
+        log_entry(i, entries[i].pName);
+        found = same_text(entries[i].pName, name);
+    }
+    release_bytes(records);
+    return found;
+}
+
+int monitor_exists(const WCHAR* name) {
+    DWORD count = 0;
+    void* records = enumerate_monitors(1, &count);
+    const auto* entries = static_cast<const MONITOR_INFO_1W*>(records);
+    int found = 0;
+    for (DWORD i = 0; i < count && !found; ++i) {
+        log_entry(i, entries[i].pName);
+        found = same_text(entries[i].pName, name);
+    }
+    release_bytes(records);
+    return found;
+}
+
+int port_exists(const WCHAR* name) {
+    DWORD count = 0;
+    void* records = enumerate_ports(2, &count);
+    const auto* entries = static_cast<const PORT_INFO_2W*>(records);
+    int found = 0;
+    for (DWORD i = 0; i < count && !found; ++i) {
+        const PORT_INFO_2W* entry = &entries[i];
+        log_line_within(line_capacity, TEXT("%d:%s,%s,%s\r\n"), i, entry->pPortName, entry->pMonitorName,
+                        entry->pDescription);
+        found = same_text(entry->pPortName, name);
+    }
+    release_bytes(records);
+    return found;
+}
+
+int queue_on_port_exists(const WCHAR* port_name) {
+    DWORD count = 0;
+    void* records = enumerate_printers(2, &count);
+    const auto* entries = static_cast<const PRINTER_INFO_2W*>(records);
+    int found = 0;
+    for (DWORD i = 0; i < count && !found; ++i) {
+        log_entry(i, entries[i].pPortName);
+        found = same_text(entries[i].pPortName, port_name);
+    }
+    release_bytes(records);
+    return found;
+}
