@@ -1,0 +1,252 @@
+#include "deploy/program_files.h"
+
+#include <objbase.h>
+#include <shellapi.h>
+
+#include "app/app_state.h"
+#include "deploy/shortcuts.h"
+#include "support/current_folder.h"
+#include "support/install_log.h"
+#include "support/known_folder.h"
+#include "support/text.h"
+
+#include <iterator>
+
+namespace {
+
+struct PackageFile {
+    const WCHAR* name;
+    int tools_only; // copied only with the tools
+    int optional;   // may be missing
+};
+
+constexpr PackageFile program_rows[] = {
+    {TEXT("trk_remove64.exe"), 0, 0}, {TEXT("trk_remove.exe"), 0, 0},   {TEXT("wrenchbay.exe"), 1, 0},
+    {TEXT("portlynx.exe"), 1, 0},     {TEXT("portlynx.inf"), 1, 0},     {TEXT("media.inf"), 0, 0},
+    {TEXT("settings.inf"), 0, 0},     {TEXT("profilenames.inf"), 0, 1},
+};
+constexpr PackageFile library_rows[] = {
+    {TEXT("zelcore.dll"), 0, 0},
+    {TEXT("zelmodel.dat"), 0, 0},
+    {TEXT("zelmodel.dll"), 0, 0},
+    {TEXT("iconv.dll"), 0, 0},
+};
+constexpr const WCHAR* profile_patterns[] = {TEXT("*.tkp"), TEXT("*.tkd"), TEXT("*.icm")};
+
+// What the steps of one deployment share.
+struct Deployment {
+    const WCHAR* folder_name;
+    WCHAR model[256];
+    int with_tools;
+    WCHAR source_root[256];                     // the current folder
+    WCHAR install_folder[deploy_path_capacity]; // with a backslash at its end
+    WCHAR group_folder[deploy_path_capacity];   // without
+};
+
+// A hostile package must not choose where an administrator's files go.
+int names_are_plain(Deployment* deployment, const char* model_name) {
+    if (!is_plain_name(deployment->folder_name)) {
+        log_line_within(deploy_line_capacity, TEXT("not a folder name: %s\r\n"), deployment->folder_name);
+        return 0;
+    }
+    if (!widen(deployment->model, std::size(deployment->model), model_name) ||
+        !is_plain_name(deployment->model)) {
+        log_line_within(deploy_line_capacity, TEXT("not a folder name: %S\r\n"), model_name);
+        return 0;
+    }
+    return 1;
+}
+
+void log_path(const WCHAR* path) {
+    log_write(app.log_handle, path);
+    log_write(app.log_handle, TEXT("\r\n"));
+}
+
+// Makes one level below an existing folder. That it may be there already is no failure, and neither is any
+// other: what is copied into a missing folder tells.
+void make_program_folder(WCHAR* out, const WCHAR* base, const WCHAR* name) {
+    const int fits = format_text(out, deploy_path_capacity, TEXT("%s\\%s"), base, name);
+    log_path(out);
+    if (fits)
+        CreateDirectoryW(out, nullptr);
+}
+
+void make_group_folder(WCHAR* out, const WCHAR* base, const WCHAR* name) {
+    if (format_text(out, deploy_path_capacity, TEXT("%s\\%s"), base, name))
+        CreateDirectoryW(out, nullptr);
+}
+
+int make_program_folders(Deployment* deployment, const char* model_name) {
+    WCHAR* program_files = find_known_folder(FOLDERID_ProgramFiles, TEXT("ProgramFiles"));
+    if (program_files == nullptr)
+        return 0;
+    log_line_within(deploy_line_capacity, TEXT("ProgramFiles %s\r\n"), program_files);
+    const int plain = names_are_plain(deployment, model_name);
+    if (plain) {
+        WCHAR maker_folder[deploy_path_capacity];
+        make_program_folder(maker_folder, program_files, deployment->folder_name);
+        make_program_folder(deployment->install_folder, maker_folder, deployment->model);
+        append_text(deployment->install_folder, std::size(deployment->install_folder), TEXT("\\"));
+    }
+    CoTaskMemFree(program_files);
+    return plain;
+}
+
+int copy_rows(const Deployment* deployment, const WCHAR* source_folder, const PackageFile* rows,
+              size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const PackageFile* row = &rows[i];
+        if (row->tools_only && !deployment->with_tools)
+            continue;
+        if (!copy_package_file(source_folder, row->name, deployment->install_folder, row->name) &&
+            !row->optional)
+            return 0;
+    }
+    return 1;
+}
+
+// The copy of the driver's INF by which a removal finds the package in the driver store.
+int copy_driver_inf(const Deployment* deployment, const WCHAR* source_folder, const char* inf_file) {
+    WCHAR name[deploy_path_capacity];
+    WCHAR target[deploy_path_capacity];
+    if (format_text(target, std::size(target), TEXT("%s%s"), deployment->install_folder, TEXT("inf")))
+        CreateDirectoryW(target, nullptr);
+    append_text(target, std::size(target), TEXT("\\"));
+    widen(name, std::size(name), inf_file);
+    return copy_package_file(source_folder, name, target, name);
+}
+
+int copy_program_files(const Deployment* deployment, const char* inf_file) {
+    WCHAR source[deploy_path_capacity];
+    const WCHAR* root = deployment->source_root;
+    format_text(source, std::size(source), TEXT("%s\\%s\\"), root, TEXT("wrenchbay"));
+    if (!copy_rows(deployment, source, program_rows, std::size(program_rows)))
+        return 0;
+    format_text(source, std::size(source), TEXT("%s\\%s\\32-bit\\"), root, TEXT("Drivers"));
+    if (!copy_rows(deployment, source, library_rows, std::size(library_rows)))
+        return 0;
+    format_text(source, std::size(source), TEXT("%s\\%s\\"), root, TEXT("Drivers"));
+    return copy_driver_inf(deployment, source, inf_file);
+}
+
+// Profiles are a matter of the medium: none, some or all of the patterns may have files.
+void copy_profiles(const Deployment* deployment) {
+    WCHAR target[deploy_path_capacity];
+    if (!format_text(target, std::size(target), TEXT("%s%s"), deployment->install_folder, TEXT("profiles")))
+        return;
+    CreateDirectoryW(target, nullptr);
+    if (!append_text(target, std::size(target), TEXT("\\")))
+        return;
+    for (const WCHAR* pattern : profile_patterns) {
+        WCHAR source[deploy_path_capacity];
+        if (format_text(source, std::size(source), TEXT("%s\\%s\\%s"), deployment->source_root,
+                        TEXT("profiles"), pattern))
+            copyDirFiles(source, target);
+    }
+}
+
+int make_start_menu_group(Deployment* deployment, const WCHAR* driver_name) {
+    WCHAR* programs = find_known_folder(FOLDERID_CommonPrograms, TEXT("CommonPrograms"));
+    if (programs == nullptr)
+        return 0;
+    log_line_within(deploy_line_capacity, TEXT("program folder: %s\r\n"), programs);
+    const int newer_system = is_os_newer_than();
+    WCHAR maker_group[deploy_path_capacity];
+    make_group_folder(maker_group, programs, deployment->folder_name);
+    make_group_folder(deployment->group_folder, maker_group, deployment->model);
+    CoTaskMemFree(programs);
+    create_shortcut(newer_system, deployment->install_folder, driver_name, deployment->group_folder,
+                    TEXT("Uninstall"), TEXT("trk_remove.exe"));
+    if (deployment->with_tools)
+        create_shortcut(newer_system, deployment->install_folder, driver_name, deployment->group_folder,
+                        TEXT("Wrenchbay"), TEXT("wrenchbay.exe"));
+    return 1;
+}
+
+// Two NUL characters behind the text, as the shell's lists of paths want them; null when there is no memory.
+WCHAR* copy_for_shell(const WCHAR* text) {
+    const size_t capacity = text_length(text) + 2;
+    auto* copy = static_cast<WCHAR*>(allocate_bytes(capacity * sizeof(WCHAR)));
+    if (copy != nullptr)
+        copy_text(copy, capacity, text);
+    return copy;
+}
+
+} // namespace
+
+int deploy_program_files(const WCHAR* folder_name, const WCHAR* driver_name, const char* inf_file,
+                         const char* model_name, int with_tools) {
+    Deployment deployment = {};
+    deployment.folder_name = folder_name;
+    deployment.with_tools = with_tools;
+    if (!make_program_folders(&deployment, model_name))
+        return 0;
+    if (!get_current_folder(deployment.source_root, static_cast<DWORD>(std::size(deployment.source_root)))) {
+        log_line(TEXT("current folder too long\r\n"));
+        return 0;
+    }
+    if (!copy_program_files(&deployment, inf_file))
+        return 0;
+    copy_profiles(&deployment);
+    return make_start_menu_group(&deployment, driver_name);
+}
+
+int copy_package_file(const WCHAR* source_folder, const WCHAR* source_name, const WCHAR* target_folder,
+                      const WCHAR* target_name) {
+    WCHAR target[deploy_path_capacity];
+    WCHAR source[deploy_path_capacity];
+    int fits = format_text(target, std::size(target), TEXT("%s%s"), target_folder, target_name);
+    fits &= format_text(source, std::size(source), TEXT("%s%s"), source_folder, source_name);
+    log_write(app.log_handle, TEXT("Copy "));
+    log_write(app.log_handle, source);
+    log_write(app.log_handle, TEXT(" to "));
+    log_path(target);
+    const BOOL result = fits ? CopyFileW(source, target, FALSE) : FALSE;
+    if (result)
+        return 1;
+    const DWORD error = fits ? GetLastError() : ERROR_FILENAME_EXCED_RANGE;
+    log_line_within(deploy_line_capacity, TEXT("copy file failed %d %d %s\r\n"), result, error, source);
+    return 0;
+}
+
+int copyDirFiles(const WCHAR* source, const WCHAR* target) {
+    log_write(app.log_handle, TEXT("copyDirFiles "));
+    log_write(app.log_handle, source);
+    log_write(app.log_handle, TEXT(" to "));
+    log_path(target);
+    if (text_length(source) >= deploy_path_capacity || text_length(target) >= deploy_path_capacity)
+        return ERROR_FILENAME_EXCED_RANGE;
+    WCHAR* from = copy_for_shell(source);
+    WCHAR* to = copy_for_shell(target);
+    int result = ERROR_NOT_ENOUGH_MEMORY;
+    if (from != nullptr && to != nullptr) {
+        SHFILEOPSTRUCTW operation = {};
+        operation.wFunc = FO_COPY;
+        operation.pFrom = from;
+        operation.pTo = to;
+        operation.fFlags = FOF_SILENT | FOF_NOCONFIRMATION | FOF_FILESONLY | FOF_NOERRORUI | FOF_NORECURSION;
+        operation.lpszProgressTitle = TEXT("");
+        result = SHFileOperationW(&operation);
+    }
+    release_bytes(from);
+    release_bytes(to);
+    return result;
+}
+
+int compare_os_version(DWORD major, DWORD minor, DWORD build) {
+    OSVERSIONINFOEXW version = {};
+    version.dwOSVersionInfoSize = sizeof version;
+    if (!GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&version)))
+        version = {};
+    const DWORD wanted[] = {major, minor, build};
+    const DWORD running[] = {version.dwMajorVersion, version.dwMinorVersion, version.dwBuildNumber};
+    for (size_t i = 0; i < std::size(wanted); ++i) {
+        if (running[i] != wanted[i])
+            return running[i] > wanted[i] ? 1 : -1;
+    }
+    return 0;
+}
+
+int is_os_newer_than() {
+    return compare_os_version(6, 2, 0) == 1;
+}
