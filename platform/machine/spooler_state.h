@@ -32,6 +32,7 @@ struct PrintQueue {
     std::u16string datatype = u"RAW";
     std::uint32_t attributes = 0;
     std::uint32_t jobs = 0;
+    bool deleting = false;    // was deleted with jobs waiting: it stays until they are gone
     bool deny_open = false;   // opening it with full access is refused (access denied)
     bool deny_delete = false; // deleting it is refused (access denied)
     // key ("Label Sizes\258") -> value name -> value
