@@ -1,0 +1,46 @@
+# Two commands do everything on a fresh Debian 12: `make run` and `make test`. CMake presets stand behind them.
+JOBS ?= $(shell nproc)
+
+.PHONY: help run test windows linux packages pictures format clean
+.DEFAULT_GOAL := help
+
+help:
+	@echo "make run      build for Linux and rehearse a complete install with printers on real sockets"
+	@echo "make test     build for Windows and Linux, run all tests, check the Windows programs"
+	@echo "make windows  the two Windows programs and the library, stripped, in dist/"
+	@echo "make linux    the rehearsal tool alone, in build/linux"
+	@echo "make format   bring the sources into the project's layout"
+	@echo "make pictures draw the icon and the banner again"
+	@echo "make packages install what the build needs from Debian's packages"
+	@echo "make clean    remove build/ and dist/"
+
+packages:
+	@cmake/install_packages.sh
+
+linux: packages
+	@cmake/build.sh $(JOBS) linux
+
+run: linux
+	@rehearsal/run.sh
+
+windows: packages
+	@cmake/build.sh $(JOBS) windows-i686 windows-x86_64
+	@cmake/collect_dist.sh
+
+# The tests of the Windows programs read what `windows` has put into dist/. ctest comes last, so that its closing
+# lines end the output.
+test: windows
+	@cmake/build.sh $(JOBS) test
+	@cmake/test_share.sh
+	@ctest --preset test --parallel $(JOBS) --output-on-failure
+
+pictures:
+	@mkdir -p build
+	@$(CXX) -std=c++20 -O1 tools/draw_pictures.cpp -o build/draw_pictures
+	@build/draw_pictures src/resources
+
+format:
+	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
+
+clean:
+	@rm -rf build dist
