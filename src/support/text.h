@@ -33,6 +33,9 @@ int copy_text(WCHAR* out, size_t capacity, const WCHAR* text);
 int append_text(WCHAR* out, size_t capacity, const WCHAR* text);
 int copy_ansi(char* out, size_t capacity, const char* text);
 
+// Bytes of the whole characters at the start of the text that lie within its first `limit` bytes.
+size_t whole_ansi_length(const char* text, size_t limit);
+
 // To 16-bit and to 8-bit text by the ANSI code page; always terminated, 1 when everything fits, 0 when it was
 // cut or can't be converted. A cut never leaves half a character.
 int widen(WCHAR* out, size_t capacity, const char* text);

@@ -83,22 +83,24 @@ int narrow(char* out, size_t capacity, const WCHAR* text) {
     return narrow_by_characters(out, capacity, text);
 }
 
+size_t whole_ansi_length(const char* text, size_t limit) {
+    size_t kept = 0;
+    while (text[kept] != 0) {
+        WCHAR units[2] = {};
+        int unit_count = 0;
+        const size_t bytes = first_character(text + kept, units, &unit_count);
+        if (kept + bytes > limit)
+            break;
+        kept += bytes;
+    }
+    return kept;
+}
+
 int copy_ansi(char* out, size_t capacity, const char* text) {
     if (capacity == 0)
         return 0;
     const size_t length = ansi_length(text);
-    size_t kept = length;
-    if (length >= capacity) {
-        kept = 0;
-        for (;;) {
-            WCHAR units[2] = {};
-            int unit_count = 0;
-            const size_t bytes = first_character(text + kept, units, &unit_count);
-            if (kept + bytes >= capacity)
-                break;
-            kept += bytes;
-        }
-    }
+    const size_t kept = length < capacity ? length : whole_ansi_length(text, capacity - 1);
     for (size_t i = 0; i < kept; ++i)
         out[i] = text[i];
     out[kept] = 0;
