@@ -1,0 +1,83 @@
+// The sub-command trk printer: its options, and the loop around the printer.
+#include "rehearsal/label_printer.h"
+
+#include <CLI/CLI.hpp>
+
+#include <array>
+#include <csignal>
+#include <iostream>
+#include <stdexcept>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+namespace rehearsal {
+namespace {
+
+constexpr char printer_footer[] =
+    R"(The first line of the output begins with "ready". Exit status: 0 when the printer served until a
+limit or a signal; 2 when it couldn't be set up.
+
+Example, on loopback (port 427 needs root's rights):
+  trk printer --address 127.0.0.11 --model Label_100_Series --name "Shelf A")";
+
+// The signals that end the printer, as a descriptor to wait on.
+int ending_signals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    return signalfd(-1, &signals, SFD_CLOEXEC);
+}
+
+void serve(LabelPrinter& printer, const PrinterOptions& options, int signals) {
+    // A pipe or terminal that nobody reads any more shows as an error on it, without being asked for.
+    const std::array<pollfd, 2> interrupts = {pollfd{signals, POLLIN, 0}, pollfd{STDOUT_FILENO, 0, 0}};
+    const int wait = static_cast<int>(options.seconds) * 1000;
+    while (printer.step(wait, interrupts) == LabelPrinter::Step::served) {
+        if (options.count != 0 && printer.answers() >= options.count)
+            return;
+    }
+}
+
+} // namespace
+
+void add_printer(CLI::App& app, PrinterOptions& options) {
+    CLI::App* const command =
+        app.add_subcommand("printer", "Be a label printer that answers searches and takes jobs");
+    command->add_option("--address", options.address, "The printer's IPv4 address")->capture_default_str();
+    command->add_option("--model", options.model, "The model in the printer's device id")
+        ->capture_default_str();
+    command->add_option("--name", options.name, "The printer's name")->capture_default_str();
+    command->add_option("--location", options.location, "Where the printer stands");
+    command->add_flag("--empty", options.empty, "Be an agent that answers, but has nothing to offer");
+    command->add_option("--slp-port", options.discovery_port, "UDP port of searches, 0 for a free one")
+        ->capture_default_str();
+    command->add_option("--raw-port", options.raw_port, "TCP port of print data, 0 for a free one")
+        ->capture_default_str();
+    command->add_option("--save", options.save, "Folder to keep the jobs' bytes in")
+        ->check(CLI::ExistingDirectory);
+    command->add_option("--count", options.count, "End after so many answered searches");
+    command->add_option("--seconds", options.seconds, "End after so long without any event")
+        ->capture_default_str()
+        ->check(CLI::Range(1u, 86400u));
+    command->footer(printer_footer);
+}
+
+int run_printer(const PrinterOptions& options) {
+    // Writing to a pipe without a reader must not kill; the loop sees it and ends.
+    std::signal(SIGPIPE, SIG_IGN);
+    const int signals = ending_signals();
+    int status = 0;
+    try {
+        LabelPrinter printer(options, std::cout);
+        serve(printer, options, signals);
+    } catch (const std::runtime_error& error) {
+        std::cerr << "trk printer: " << error.what() << '\n';
+        status = 2;
+    }
+    close(signals);
+    return status;
+}
+
+} // namespace rehearsal
