@@ -5,10 +5,12 @@
 
 #include <atomic>
 
-// Four 16-bit fields, major on top, then minor, build and revision: the form of DRIVER_INFO_6.dwlDriverVersion.
+// Four 16-bit fields, major on top, then minor, build and revision: the form of
+// DRIVER_INFO_6.dwlDriverVersion.
 using DriverVersion = DWORDLONG;
 
-// What the driver package holds, as its INF tells it. Sizes in bytes for 8-bit text, in characters for 16-bit.
+// What the driver package holds, as its INF tells it. Sizes in bytes for 8-bit text, in characters for
+// 16-bit.
 struct DriverIdentity {
     char driverName[256];
     char manuName[256];

@@ -1,0 +1,157 @@
+#include "app/install_sequence.h"
+
+#include "app/app_state.h"
+#include "deploy/program_files.h"
+#include "package/media_table.h"
+#include "resources/resource_ids.h"
+#include "spooler/driver_package.h"
+#include "spooler/inventory.h"
+#include "spooler/tcp_port.h"
+#include "support/dialog_text.h"
+#include "support/install_log.h"
+#include "support/text.h"
+
+#include <winspool.h>
+
+#include <iterator>
+
+namespace {
+
+// What a status line and a port's name have room for, in characters.
+constexpr size_t line_capacity = 256;
+
+enum Stage { stage_driver, stage_port, stage_printer };
+
+void show_stage(Stage stage, const WCHAR* name) {
+    WCHAR status_line[line_capacity];
+    format_text(status_line, std::size(status_line), TEXT("%s %s"), app.install_texts[stage].text, name);
+    status_append(app.main_dialog, IDC_STATUS, status_line);
+}
+
+// Copies the selected candidate, once for the whole sequence. 0 on the network road without a selected row.
+int take_candidate(PrinterCandidate* candidate) {
+    const auto row =
+        static_cast<int>(SendDlgItemMessageW(app.main_dialog, IDC_PRINTER_LIST, LB_GETCURSEL, 0, 0));
+    if (app.usb_chosen != 0) {
+        // The list was never shown.
+        *candidate = {};
+        log_write(app.log_handle, TEXT("USB \r\n"));
+        return 1;
+    }
+    if (row < 0 || row >= app.candidate_count) {
+        log_write(app.log_handle, TEXT("No printer selected\r\n"));
+        return 0;
+    }
+    *candidate = app.candidates[row];
+    log_line(TEXT("%s %s\r\n"), candidate->is_network != 0 ? TEXT("Net") : TEXT("USB"), candidate->address);
+    return 1;
+}
+
+int deploy() {
+    if (deploy_program_files(TEXT("Vorlane"), app.driver_name_wide, app.driver.infFile,
+                             app.model_display_name, 1))
+        return 1;
+    log_write(app.log_handle, TEXT("Error setting up driver files!\r\n"));
+    status_append_string(app.app_instance, app.main_dialog, IDC_STATUS, IDS_SETTING_UP_FAILED, 0);
+    status_append_string(app.app_instance, app.main_dialog, IDC_STATUS, IDS_CHECK_PERMISSIONS, 0);
+    return 0;
+}
+
+// A driver in place serves: start-up has seen that it has the package's version.
+int install_driver() {
+    if (app.driver_installed != 0)
+        return 1;
+    status_append(app.main_dialog, IDC_STATUS, app.install_texts[stage_driver].text);
+    log_write(app.log_handle, TEXT("Install Driver...\r\n"));
+    if (install_driver_package(app.driver.driverName, app.driver.infPath))
+        return 1;
+    log_write(app.log_handle, TEXT("Printer Driver install fail\r\n"));
+    return 0;
+}
+
+// The name goes into port_name of line_capacity characters. One too long for a port is refused further down.
+void make_port(WCHAR* port_name, const WCHAR* wide_address) {
+    char address[256];
+    narrow(address, std::size(address), wide_address);
+    format_text(port_name, line_capacity, TEXT("TRK_%S"), address);
+    log_write(app.log_handle, port_name);
+    log_write(app.log_handle, TEXT(".\r\n"));
+    show_stage(stage_port, port_name);
+    log_line(TEXT("Adding port %s\r\n"), port_name);
+    add_tcp_port(port_name, address);
+}
+
+// The model's name, or with " 2", " 3", ... behind it, shortened where the number needs the room: the first
+// that no queue has.
+void choose_queue_name() {
+    WCHAR model[256];
+    format_text(model, std::size(model), TEXT("%S"), app.model_display_name);
+    copy_text(app.queue_name, std::size(app.queue_name), model);
+    for (int counter = 2; printer_exists(app.queue_name); ++counter) {
+        WCHAR number[16];
+        format_text(number, std::size(number), TEXT(" %d"), counter);
+        copy_text(app.queue_name, std::size(app.queue_name) - text_length(number), model);
+        append_text(app.queue_name, std::size(app.queue_name), number);
+    }
+}
+
+void make_queue(WCHAR* port_name) {
+    WCHAR processor[] = TEXT("winprint");
+    WCHAR datatype[] = TEXT("RAW");
+    PRINTER_INFO_2W printer_info = {};
+    printer_info.pPrinterName = app.queue_name;
+    printer_info.pPortName = port_name;
+    printer_info.pDriverName = app.driver_name_wide;
+    printer_info.pPrintProcessor = processor;
+    printer_info.pDatatype = datatype;
+    printer_info.Attributes = PRINTER_ATTRIBUTE_LOCAL | PRINTER_ATTRIBUTE_RAW_ONLY;
+    const HANDLE printer = AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&printer_info));
+    if (printer == nullptr) {
+        log_line(TEXT("AddPrinter %d\r\n"), GetLastError());
+        return;
+    }
+    load_media_table(printer);
+    ClosePrinter(printer);
+}
+
+} // namespace
+
+void install_worker(void*) {
+    app.worker_busy = 1;
+    if (!run_installer())
+        app.install_failed = 1;
+    app.worker_busy = 0;
+    SendMessageW(app.main_dialog, setup_message, worker_finished, 0);
+    // The dialog can't be closed before it knows; a report that was lost on its way goes out again.
+    if (app.exit_requested == 0)
+        PostMessageW(app.main_dialog, setup_message, worker_finished, 0);
+}
+
+int run_installer() {
+    log_write(app.log_handle, TEXT("run_installer...\r\n"));
+    PrinterCandidate candidate;
+    if (!take_candidate(&candidate) || !deploy() || !install_driver())
+        return 0;
+    if (app.usb_chosen != 0)
+        return 1;
+    WCHAR port_name[line_capacity];
+    make_port(port_name, candidate.address);
+    choose_queue_name();
+    show_stage(stage_printer, app.queue_name);
+    log_line(TEXT("Adding printer %s\r\n"), app.queue_name);
+    make_queue(port_name);
+    return 1;
+}
+
+int printer_exists(const WCHAR* name) {
+    DWORD count = 0;
+    void* const buffer = enumerate_printers(1, &count);
+    const auto* const printers = static_cast<const PRINTER_INFO_1W*>(buffer);
+    int found = 0;
+    for (DWORD index = 0; index < count && !found; ++index) {
+        const WCHAR* const known = printers[index].pName;
+        found = lstrcmpW(known != nullptr ? known : TEXT(""), name) == 0;
+    }
+    release_bytes(buffer);
+    return found;
+}
