@@ -20,6 +20,13 @@ constexpr const WCHAR* tool_rows[] = {TEXT("wrenchbay.exe"), TEXT("portlynx.exe"
 constexpr const WCHAR* library_rows[] = {TEXT("zelcore.dll"), TEXT("zelmodel.dat"), TEXT("zelmodel.dll"),
                                          TEXT("iconv.dll")};
 
+// The install folder of one run.
+struct Layout {
+    int plain;                                  // both names are plain folder names
+    int fits;                                   // the path below is whole
+    WCHAR install_folder[deploy_path_capacity]; // with a backslash at its end
+};
+
 int names_are_plain(const WCHAR* folder_name, const WCHAR* model_text) {
     for (const WCHAR* name : {folder_name, model_text}) {
         if (!is_plain_name(name)) {
@@ -40,13 +47,14 @@ int try_folder(const WCHAR* path, int fits, DWORD* error) {
     return made;
 }
 
-void make_program_folder(WCHAR* out, const WCHAR* base, const WCHAR* name) {
+int make_program_folder(WCHAR* out, const WCHAR* base, const WCHAR* name) {
     const int fits = format_text(out, deploy_path_capacity, TEXT("%s\\%s"), base, name);
     log_write(app.log_handle, out);
     log_write(app.log_handle, TEXT("\r\n"));
     DWORD error = 0;
     if (!try_folder(out, fits, &error))
         log_line_within(deploy_line_capacity, TEXT("create dir failed %d %d\r\n"), 0, error);
+    return fits;
 }
 
 void make_group_folder(WCHAR* out, const WCHAR* base, const WCHAR* name) {
@@ -56,19 +64,20 @@ void make_group_folder(WCHAR* out, const WCHAR* base, const WCHAR* name) {
         log_line_within(deploy_line_capacity, TEXT("create dir failed %d %s %d\r\n"), 0, out, error);
 }
 
-// 0 when the system has no Program Files folder. The install folder gets a backslash at its end.
-int make_program_folders(WCHAR* install_folder, const WCHAR* folder_name, const WCHAR* model_text,
-                         int* plain) {
+// 0 when the system has no Program Files folder.
+int make_program_folders(Layout* layout, const WCHAR* folder_name, const WCHAR* model_text) {
     WCHAR* program_files = find_known_folder(FOLDERID_ProgramFiles, TEXT("ProgramFiles"));
     if (program_files == nullptr)
         return 0;
     log_line_within(deploy_line_capacity, TEXT("ProgramFiles %s\r\n"), program_files);
-    *plain = names_are_plain(folder_name, model_text);
-    if (*plain) {
+    layout->plain = names_are_plain(folder_name, model_text);
+    if (layout->plain) {
         WCHAR maker_folder[deploy_path_capacity];
-        make_program_folder(maker_folder, program_files, folder_name);
-        make_program_folder(install_folder, maker_folder, model_text);
-        append_text(install_folder, deploy_path_capacity, TEXT("\\"));
+        WCHAR* folder = layout->install_folder;
+        // A folder below a cut one is cut as well, so that no file step finds room behind it.
+        layout->fits = make_program_folder(maker_folder, program_files, folder_name);
+        layout->fits &= make_program_folder(folder, maker_folder, model_text);
+        layout->fits &= append_text(folder, deploy_path_capacity, TEXT("\\"));
     }
     CoTaskMemFree(program_files);
     return 1;
@@ -80,7 +89,8 @@ void copy_rows(const WCHAR* source, const WCHAR* const* rows, size_t count, cons
         copy_package_file(source, rows[i], target, rows[i]);
 }
 
-void copy_layout(const WCHAR* target, const WCHAR* monitor_inf) {
+void copy_layout(const Layout* layout, const WCHAR* monitor_inf) {
+    const WCHAR* target = layout->install_folder;
     WCHAR root[257]; // the current folder of at most 255 characters, and a backslash
     if (!get_current_folder(root, static_cast<DWORD>(std::size(root) - 1))) {
         log_line(TEXT("current folder too long\r\n"));
@@ -96,7 +106,8 @@ void copy_layout(const WCHAR* target, const WCHAR* monitor_inf) {
     format_text(source, std::size(source), TEXT("%s\\%s\\x86\\"), root, TEXT("monitor"));
     copy_rows(source, library_rows, std::size(library_rows), target);
     format_text(source, std::size(source), TEXT("%s\\%s\\profiles\\*.tkp"), root, TEXT("monitor"));
-    copyDirFiles(source, target);
+    if (layout->fits)
+        copyDirFiles(source, target);
 }
 
 void make_shortcuts(const WCHAR* install_folder, const WCHAR* folder_name, const WCHAR* model_text,
@@ -115,18 +126,17 @@ void make_shortcuts(const WCHAR* install_folder, const WCHAR* folder_name, const
 } // namespace
 
 int deploy_monitor_layout(const WCHAR* folder_name, const WCHAR* model_text, const WCHAR* monitor_inf) {
-    WCHAR install_folder[deploy_path_capacity];
-    int plain = 0;
-    if (!make_program_folders(install_folder, folder_name, model_text, &plain))
+    Layout layout = {};
+    if (!make_program_folders(&layout, folder_name, model_text))
         return 0;
-    if (plain)
-        copy_layout(install_folder, monitor_inf);
+    if (layout.plain)
+        copy_layout(&layout, monitor_inf);
     WCHAR* programs = find_known_folder(FOLDERID_CommonPrograms, TEXT("CommonPrograms"));
     if (programs == nullptr)
         return 0;
     log_line_within(deploy_line_capacity, TEXT("CommonPrograms %s\r\n"), programs);
-    if (plain)
-        make_shortcuts(install_folder, folder_name, model_text, programs);
+    if (layout.plain)
+        make_shortcuts(layout.install_folder, folder_name, model_text, programs);
     CoTaskMemFree(programs);
     return 1;
 }
