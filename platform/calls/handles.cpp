@@ -77,6 +77,17 @@ bool MemoryLedger::release(void* block, const char* allocator) {
     return false;
 }
 
+std::optional<std::size_t> MemoryLedger::bytes_from(const void* place) const {
+    const std::lock_guard lock(mutex_);
+    const auto at = reinterpret_cast<std::uintptr_t>(place);
+    for (const auto& [block, facts] : blocks_) {
+        const auto start = reinterpret_cast<std::uintptr_t>(block);
+        if (at >= start && at < start + facts.bytes)
+            return start + facts.bytes - at;
+    }
+    return std::nullopt;
+}
+
 std::vector<std::string> MemoryLedger::live() const {
     const std::lock_guard lock(mutex_);
     std::vector<std::string> blocks;

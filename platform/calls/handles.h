@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,6 +50,8 @@ public:
     void* allocate(std::size_t bytes, const char* allocator, bool zeroed);
     // False, and a misuse, when the block isn't live or came from another allocator. Null is accepted.
     bool release(void* block, const char* allocator);
+    // How many bytes a live block has from `place` to its end; nothing when no block holds the place.
+    std::optional<std::size_t> bytes_from(const void* place) const;
     std::vector<std::string> live() const; // "HeapAlloc 512"
 
 private:
