@@ -1,0 +1,198 @@
+#include "removal/installation.h"
+
+#include <objbase.h>
+#include <shellapi.h>
+#include <winspool.h>
+
+#include "support/install_log.h"
+#include "support/known_folder.h"
+#include "support/system_text.h"
+#include "support/text.h"
+
+#include <iterator>
+
+namespace {
+
+constexpr size_t path_line_capacity = 512;   // of the lines that name a folder
+constexpr size_t search_line_capacity = 256; // of those of the searches and of the package's removal
+constexpr WCHAR store_root[] = TEXT("C:\\Windows\\System32\\DriverStore\\FileRepository\\");
+
+// The groups of one model in the Start menu.
+struct MenuGroups {
+    WCHAR maker[removal_path_capacity];
+    WCHAR model[removal_path_capacity];
+    int maker_fits;
+    int model_fits;
+};
+
+// A copy without one backslash at its end: 1, or 0 when nothing is left or it doesn't fit.
+int take_folder(WCHAR* out, const WCHAR* folder) {
+    if (!copy_text(out, removal_path_capacity, folder))
+        return 0;
+    const size_t length = text_length(out);
+    if (length > 0 && out[length - 1] == '\\')
+        out[length - 1] = 0;
+    return out[0] != 0;
+}
+
+int find_menu_groups(MenuGroups* groups, const WCHAR* folder_name, const WCHAR* model) {
+    WCHAR* programs = find_known_folder(FOLDERID_CommonPrograms, TEXT("CommonPrograms"));
+    if (programs == nullptr)
+        return 0;
+    log_line_within(path_line_capacity, TEXT("CommonPrograms %s\r\n"), programs);
+    groups->maker_fits =
+        format_text(groups->maker, std::size(groups->maker), TEXT("%s\\%s"), programs, folder_name);
+    groups->model_fits = format_text(groups->model, std::size(groups->model), TEXT("%s\\%s\\%s"), programs,
+                                     folder_name, model);
+    CoTaskMemFree(programs);
+    return 1;
+}
+
+void remove_menu_groups(const MenuGroups* groups) {
+    log_line_within(path_line_capacity, TEXT("del dir %s\r\n"), groups->model);
+    if (groups->model_fits)
+        delete_folder_tree(groups->model);
+    log_line_within(path_line_capacity, TEXT("del dir %s\r\n"), groups->maker);
+    if (groups->maker_fits)
+        RemoveDirectoryW(groups->maker); // refuses while another model's group is in it
+}
+
+// The search begins anew after each package. A refused one would be found for ever, and so would one whose
+// folder stays although the spooler agreed.
+void remove_packages(const char* inf_name) {
+    WCHAR removed[removal_path_capacity] = {};
+    WCHAR inf_path[removal_path_capacity];
+    while (get_store_inf_name(inf_name, inf_path)) {
+        if (lstrcmpW(inf_path, removed) == 0 || !remove_driver_package(inf_path))
+            return;
+        copy_text(removed, std::size(removed), inf_path);
+    }
+}
+
+// 1 when the 8-bit form stands for exactly this name; one with replaced characters could stand for others
+// too.
+int narrow_name(char* out, size_t capacity, const WCHAR* name) {
+    WCHAR back[MAX_PATH];
+    return narrow(out, capacity, name) && widen(back, std::size(back), out) && lstrcmpW(back, name) == 0;
+}
+
+// The first entry from `found` on whose name begins with the INF's: 1 with its path, or 0.
+int match_store_folder(HANDLE search, WIN32_FIND_DATAW* found, const char* inf_name, WCHAR* inf_path) {
+    const auto length = static_cast<DWORD>(ansi_length(inf_name));
+    do {
+        char folder[inf_name_capacity];
+        narrow(folder, std::size(folder), found->cFileName);
+        if (compare_text_nocase(folder, inf_name, length) != 0)
+            continue;
+        if (!format_text(inf_path, removal_path_capacity, TEXT("%s%s\\%S"), store_root, found->cFileName,
+                         inf_name))
+            return 0;
+        log_line_within(search_line_capacity, TEXT("found %s\r\n%s\r\n"), found->cFileName, inf_path);
+        return 1;
+    } while (FindNextFileW(search, found));
+    return 0;
+}
+
+int small_letter(char letter) {
+    const int value = static_cast<unsigned char>(letter);
+    return value >= 'A' && value <= 'Z' ? value - 'A' + 'a' : value;
+}
+
+} // namespace
+
+int remove_installation(const WCHAR* install_folder, const WCHAR* folder_name, const char* model_name) {
+    WCHAR folder[removal_path_capacity];
+    WCHAR model[256];
+    if (!take_folder(folder, install_folder) || !is_plain_name(folder_name) ||
+        !widen(model, std::size(model), model_name) || !is_plain_name(model)) {
+        log_line(TEXT("nothing to remove\r\n"));
+        return 0;
+    }
+    MenuGroups groups;
+    if (!find_menu_groups(&groups, folder_name, model))
+        return 0;
+    remove_menu_groups(&groups);
+    log_line_within(path_line_capacity, TEXT("del dir %s\r\n"), folder);
+    // The INF's name is known from the folder alone, so the package goes first.
+    char inf_name[inf_name_capacity];
+    if (find_package_inf(folder, inf_name))
+        remove_packages(inf_name);
+    delete_folder_tree(folder);
+    return 1;
+}
+
+int delete_folder_tree(const WCHAR* path) {
+    const size_t length = text_length(path);
+    if (length == 0)
+        return ERROR_INVALID_NAME;
+    // The shell takes a list of paths, which ends in one more NUL.
+    const size_t capacity = length + 5;
+    auto* list = static_cast<WCHAR*>(allocate_bytes(capacity * sizeof(WCHAR)));
+    if (list == nullptr)
+        return ERROR_NOT_ENOUGH_MEMORY;
+    copy_text(list, capacity, path);
+    SHFILEOPSTRUCTW operation = {};
+    operation.wFunc = FO_DELETE;
+    operation.pFrom = list;
+    operation.fFlags = FOF_SILENT | FOF_NOCONFIRMATION | FOF_NOERRORUI;
+    operation.lpszProgressTitle = TEXT("");
+    const int result = SHFileOperationW(&operation);
+    release_bytes(list);
+    return result;
+}
+
+int find_package_inf(const WCHAR* install_folder, char* inf_name) {
+    WCHAR pattern[removal_path_capacity];
+    const int fits = format_text(pattern, std::size(pattern), TEXT("%s\\inf\\*.inf"), install_folder);
+    log_line_within(search_line_capacity, TEXT("%s\r\n"), pattern);
+    WIN32_FIND_DATAW found;
+    HANDLE search = fits ? FindFirstFileW(pattern, &found) : INVALID_HANDLE_VALUE;
+    if (search == INVALID_HANDLE_VALUE) {
+        const DWORD error = fits ? GetLastError() : ERROR_FILENAME_EXCED_RANGE;
+        log_line_within(search_line_capacity, TEXT("FindFirstFile error %d\r\n"), error);
+        return 0;
+    }
+    FindClose(search);
+    // An empty name would match every package of the store.
+    return narrow_name(inf_name, inf_name_capacity, found.cFileName) && inf_name[0] != 0;
+}
+
+int get_store_inf_name(const char* inf_name, WCHAR* inf_path) {
+    WCHAR pattern[256];
+    format_text(pattern, std::size(pattern), TEXT("%s*"), store_root);
+    log_line_within(search_line_capacity, TEXT("get_store_inf_name %s\r\n"), pattern);
+    if (inf_name[0] == 0)
+        return 0;
+    WIN32_FIND_DATAW found;
+    HANDLE search = FindFirstFileW(pattern, &found);
+    if (search == INVALID_HANDLE_VALUE) {
+        log_line(TEXT("FindFile error!\r\n"));
+        return 0;
+    }
+    const int matches = match_store_folder(search, &found, inf_name, inf_path);
+    FindClose(search);
+    return matches;
+}
+
+int remove_driver_package(const WCHAR* inf_path) {
+    log_line_within(search_line_capacity, TEXT("remove [%s]\r\n"), inf_path);
+    const HRESULT result = DeletePrinterDriverPackageW(nullptr, inf_path, nullptr);
+    if (result == 0)
+        return 1;
+    WCHAR* text = system_text(static_cast<DWORD>(result));
+    if (text != nullptr)
+        log_line_within(search_line_capacity, TEXT("error %s\r\n"), text);
+    else
+        log_line_within(search_line_capacity, TEXT("error %x\r\n"), result);
+    LocalFree(text);
+    return 0;
+}
+
+int compare_text_nocase(const char* first, const char* second, DWORD count) {
+    for (DWORD i = 0; i < count; ++i) {
+        const int difference = small_letter(first[i]) - small_letter(second[i]);
+        if (difference != 0 || first[i] == 0)
+            return difference;
+    }
+    return 0;
+}
