@@ -53,11 +53,11 @@ struct SP_DRVINFO_DATA_W {
 using PSP_DRVINFO_DATA_W = SP_DRVINFO_DATA_W*;
 
 HDEVINFO WINAPI SetupDiGetClassDevsW(const GUID* device_class, PCWSTR enumerator, HWND parent, DWORD flags);
-BOOL WINAPI SetupDiEnumDeviceInterfaces(HDEVINFO set, PSP_DEVINFO_DATA device, const GUID* interface_class, DWORD index,
-                                        PSP_DEVICE_INTERFACE_DATA data);
+BOOL WINAPI SetupDiEnumDeviceInterfaces(HDEVINFO set, PSP_DEVINFO_DATA device, const GUID* interface_class,
+                                        DWORD index, PSP_DEVICE_INTERFACE_DATA data);
 BOOL WINAPI SetupDiGetDeviceInterfaceDetailW(HDEVINFO set, PSP_DEVICE_INTERFACE_DATA data,
-                                             PSP_DEVICE_INTERFACE_DETAIL_DATA_W detail, DWORD size, PDWORD required,
-                                             PSP_DEVINFO_DATA device);
+                                             PSP_DEVICE_INTERFACE_DETAIL_DATA_W detail, DWORD size,
+                                             PDWORD required, PSP_DEVINFO_DATA device);
 BOOL WINAPI SetupDiEnumDriverInfoW(HDEVINFO set, PSP_DEVINFO_DATA device, DWORD type, DWORD index,
                                    PSP_DRVINFO_DATA_W driver);
 BOOL WINAPI SetupDiDestroyDriverInfoList(HDEVINFO set, PSP_DEVINFO_DATA device, DWORD type);

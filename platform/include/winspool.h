@@ -126,14 +126,16 @@ struct PRINTPROCESSOR_INFO_1W {
     LPWSTR pName;
 };
 
-// Enumerations: the records stand at the buffer's begin, their texts behind them. A call with too small a buffer
-// stores the size in bytes and a count of 0, and fails with ERROR_INSUFFICIENT_BUFFER.
+// Enumerations: the records stand at the buffer's begin, their texts behind them. A call with too small a
+// buffer stores the size in bytes and a count of 0, and fails with ERROR_INSUFFICIENT_BUFFER.
 BOOL WINAPI EnumPrintersW(DWORD flags, LPWSTR name, DWORD level, LPBYTE records, DWORD size, LPDWORD needed,
                           LPDWORD returned);
 BOOL WINAPI EnumPrinterDriversW(LPWSTR server, LPWSTR environment, DWORD level, LPBYTE records, DWORD size,
                                 LPDWORD needed, LPDWORD returned);
-BOOL WINAPI EnumPortsW(LPWSTR server, DWORD level, LPBYTE records, DWORD size, LPDWORD needed, LPDWORD returned);
-BOOL WINAPI EnumMonitorsW(LPWSTR server, DWORD level, LPBYTE records, DWORD size, LPDWORD needed, LPDWORD returned);
+BOOL WINAPI EnumPortsW(LPWSTR server, DWORD level, LPBYTE records, DWORD size, LPDWORD needed,
+                       LPDWORD returned);
+BOOL WINAPI EnumMonitorsW(LPWSTR server, DWORD level, LPBYTE records, DWORD size, LPDWORD needed,
+                          LPDWORD returned);
 BOOL WINAPI EnumPrintProcessorsW(LPWSTR server, LPWSTR environment, DWORD level, LPBYTE records, DWORD size,
                                  LPDWORD needed, LPDWORD returned);
 
@@ -147,9 +149,10 @@ BOOL WINAPI GetDefaultPrinterW(LPWSTR name, LPDWORD characters);
 // These three give the error code itself.
 DWORD WINAPI EnumPrinterKeyW(HANDLE printer, LPCWSTR key, LPWSTR subkeys, DWORD size, LPDWORD needed);
 DWORD WINAPI SetPrinterDataExA(HANDLE printer, LPCSTR key, LPCSTR value, DWORD type, LPBYTE data, DWORD size);
-DWORD WINAPI SetPrinterDataExW(HANDLE printer, LPCWSTR key, LPCWSTR value, DWORD type, LPBYTE data, DWORD size);
-DWORD WINAPI GetPrinterDataExW(HANDLE printer, LPCWSTR key, LPCWSTR value, LPDWORD type, LPBYTE data, DWORD size,
-                               LPDWORD needed);
+DWORD WINAPI SetPrinterDataExW(HANDLE printer, LPCWSTR key, LPCWSTR value, DWORD type, LPBYTE data,
+                               DWORD size);
+DWORD WINAPI GetPrinterDataExW(HANDLE printer, LPCWSTR key, LPCWSTR value, LPDWORD type, LPBYTE data,
+                               DWORD size, LPDWORD needed);
 
 BOOL WINAPI AddMonitorW(LPWSTR server, DWORD level, LPBYTE monitor);
 BOOL WINAPI XcvDataW(HANDLE monitor, PCWSTR command, PBYTE input, DWORD input_size, PBYTE output,

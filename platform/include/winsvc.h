@@ -69,7 +69,8 @@ enum SC_STATUS_TYPE { SC_STATUS_PROCESS_INFO = 0 };
 SC_HANDLE WINAPI OpenSCManagerW(LPCWSTR computer, LPCWSTR database, DWORD access);
 SC_HANDLE WINAPI OpenServiceW(SC_HANDLE manager, LPCWSTR name, DWORD access);
 BOOL WINAPI CloseServiceHandle(SC_HANDLE handle);
-BOOL WINAPI QueryServiceStatusEx(SC_HANDLE service, SC_STATUS_TYPE level, LPBYTE record, DWORD size, LPDWORD needed);
+BOOL WINAPI QueryServiceStatusEx(SC_HANDLE service, SC_STATUS_TYPE level, LPBYTE record, DWORD size,
+                                 LPDWORD needed);
 BOOL WINAPI ControlService(SC_HANDLE service, DWORD control, LPSERVICE_STATUS status);
 // A buffer that is too small fails with ERROR_MORE_DATA; no dependents at all is a success with size 0.
 BOOL WINAPI EnumDependentServicesW(SC_HANDLE service, DWORD state, LPENUM_SERVICE_STATUSW records, DWORD size,

@@ -17,7 +17,9 @@ std::u16string_view folder_of(std::u16string_view path) {
     return separator == path.npos ? std::u16string_view() : path.substr(0, separator);
 }
 
-std::u16string_view name_of(std::u16string_view path) { return path.substr(path.rfind(u'\\') + 1); }
+std::u16string_view name_of(std::u16string_view path) {
+    return path.substr(path.rfind(u'\\') + 1);
+}
 
 // FNV-1a, 64 bits: the same package gives the same folder on every machine.
 std::uint64_t mixed(std::uint64_t hash, std::string_view bytes) {
@@ -44,7 +46,8 @@ std::u16string decoded(PackageFiles& files, std::string_view bytes) {
     if (bytes.starts_with("\xFF\xFE")) {
         std::u16string text;
         for (std::size_t i = 2; i + 1 < bytes.size(); i += 2)
-            text.push_back(static_cast<char16_t>(static_cast<std::uint8_t>(bytes[i]) | (static_cast<std::uint8_t>(bytes[i + 1]) << 8)));
+            text.push_back(static_cast<char16_t>(static_cast<std::uint8_t>(bytes[i]) |
+                                                 (static_cast<std::uint8_t>(bytes[i + 1]) << 8)));
         return text;
     }
     if (bytes.starts_with("\xEF\xBB\xBF"))
@@ -83,16 +86,19 @@ std::u16string package_folder(const Upload& upload, const std::vector<StoredFile
     std::uint64_t hash = 0xCBF29CE484222325u;
     for (const StoredFile& file : package)
         hash = mixed(mixed(hash, to_utf8(upper_case(file.path))), file.bytes);
-    return std::u16string(upload.store) + u"\\" + package.front().path + processor_tag(upload.environment) + hexadecimal(hash);
+    return std::u16string(upload.store) + u"\\" + package.front().path + processor_tag(upload.environment) +
+           hexadecimal(hash);
 }
 
-template <class State>
+template<class State>
 auto find_package(State& state, std::u16string_view inf_path) {
-    return std::find_if(state.packages.begin(), state.packages.end(), [inf_path](const auto& package) { return same_name(package.inf_path, inf_path); });
+    return std::find_if(state.packages.begin(), state.packages.end(),
+                        [inf_path](const auto& package) { return same_name(package.inf_path, inf_path); });
 }
 
 bool in_use(const SpoolerState& state, const PrinterDriver& driver) {
-    return std::any_of(state.queues.begin(), state.queues.end(), [&](const auto& queue) { return same_name(queue.driver, driver.name); });
+    return std::any_of(state.queues.begin(), state.queues.end(),
+                       [&](const auto& queue) { return same_name(queue.driver, driver.name); });
 }
 
 bool same_driver(const PrinterDriver& driver, std::u16string_view name, std::u16string_view environment) {
@@ -101,7 +107,8 @@ bool same_driver(const PrinterDriver& driver, std::u16string_view name, std::u16
 
 } // namespace
 
-std::uint32_t upload_package(SpoolerState& state, PackageFiles& files, const Upload& upload, std::u16string& stored_path) {
+std::uint32_t upload_package(SpoolerState& state, PackageFiles& files, const Upload& upload,
+                             std::u16string& stored_path) {
     if ((upload.flags & upload_always) != 0 && (upload.flags & check_driver_store) != 0)
         return result_of(spooler_error::invalid_parameter);
     if (!known_environment(upload.environment))
@@ -140,12 +147,16 @@ std::uint32_t install_from_package(SpoolerState& state, PackageFiles& files, std
     InfPackage facts;
     if (const std::uint32_t error = read_inf_package(decoded(files, *inf), environment, facts); error != 0)
         return error;
-    const auto model = std::find_if(facts.models.begin(), facts.models.end(), [&](const auto& entry) { return same_name(entry.driver_name, driver_name); });
+    const auto model = std::find_if(facts.models.begin(), facts.models.end(), [&](const auto& entry) {
+        return same_name(entry.driver_name, driver_name);
+    });
     if (model == facts.models.end())
         return result_of(spooler_error::unknown_driver);
-    const PrinterDriver driver{model->driver_name, std::u16string(environment), facts.version, stored->inf_path};
-    const auto known = std::find_if(state.drivers.begin(), state.drivers.end(),
-                                    [&](const auto& entry) { return same_driver(entry, driver_name, environment); });
+    const PrinterDriver driver{model->driver_name, std::u16string(environment), facts.version,
+                               stored->inf_path};
+    const auto known = std::find_if(state.drivers.begin(), state.drivers.end(), [&](const auto& entry) {
+        return same_driver(entry, driver_name, environment);
+    });
     if (known == state.drivers.end())
         state.drivers.push_back(driver);
     else
@@ -161,9 +172,9 @@ std::uint32_t delete_package(SpoolerState& state, PackageFiles& files, std::u16s
     if (stored == state.packages.end())
         return file_not_found;
     const auto from_package = [&](const auto& driver) { return same_name(driver.inf_path, stored_path); };
-    if (stored->deny_delete || std::any_of(state.drivers.begin(), state.drivers.end(), [&](const auto& driver) {
-            return from_package(driver) && in_use(state, driver);
-        }))
+    if (stored->deny_delete ||
+        std::any_of(state.drivers.begin(), state.drivers.end(),
+                    [&](const auto& driver) { return from_package(driver) && in_use(state, driver); }))
         return result_of(spooler_error::package_in_use);
     if (!files.remove_folder(std::u16string(folder_of(stored->inf_path))))
         return access_denied;

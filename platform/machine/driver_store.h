@@ -1,5 +1,5 @@
-// Driver packages: uploaded into the driver store, installed from it, deleted from it. The files are the caller's
-// business; results are HRESULTs, 0 for success.
+// Driver packages: uploaded into the driver store, installed from it, deleted from it. The files are the
+// caller's business; results are HRESULTs, 0 for success.
 #pragma once
 
 #include "machine/spooler_model.h"
@@ -22,29 +22,33 @@ public:
 };
 
 // HRESULT_FROM_WIN32.
-constexpr std::uint32_t result_of(std::uint32_t error) { return error == 0 ? 0 : 0x80070000u | (error & 0xFFFFu); }
+constexpr std::uint32_t result_of(std::uint32_t error) {
+    return error == 0 ? 0 : 0x80070000u | (error & 0xFFFFu);
+}
 
-constexpr std::uint32_t upload_always = 2;        // UPDP_UPLOAD_ALWAYS
-constexpr std::uint32_t check_driver_store = 4;   // UPDP_CHECK_DRIVERSTORE: only look, upload nothing
+constexpr std::uint32_t upload_always = 2;      // UPDP_UPLOAD_ALWAYS
+constexpr std::uint32_t check_driver_store = 4; // UPDP_CHECK_DRIVERSTORE: only look, upload nothing
 
 struct Upload {
     std::u16string_view inf_path;
     std::u16string_view environment;
     std::uint32_t flags = 0;
-    std::u16string_view store; // "C:\Windows\System32\DriverStore\FileRepository"
+    std::u16string_view store;  // "C:\Windows\System32\DriverStore\FileRepository"
     std::uint32_t capacity = 0; // room for the path, in characters with the terminator
 };
 
-// The INF and the files that it names are copied into a folder of the store that is named after the INF and what is in
-// it. `stored_path` gets the INF's path there; with too little room for it nothing is uploaded.
-std::uint32_t upload_package(SpoolerState& state, PackageFiles& files, const Upload& upload, std::u16string& stored_path);
+// The INF and the files that it names are copied into a folder of the store that is named after the INF and
+// what is in it. `stored_path` gets the INF's path there; with too little room for it nothing is uploaded.
+std::uint32_t upload_package(SpoolerState& state, PackageFiles& files, const Upload& upload,
+                             std::u16string& stored_path);
 
-// Registers the driver, or moves one of that name to this package, with the version of the package's DriverVer.
+// Registers the driver, or moves one of that name to this package, with the version of the package's
+// DriverVer.
 std::uint32_t install_from_package(SpoolerState& state, PackageFiles& files, std::u16string_view stored_path,
                                    std::u16string_view driver_name, std::u16string_view environment);
 
-// Refused while a queue prints with a driver of the package. Otherwise the folder goes; drivers that came from it stay
-// registered.
+// Refused while a queue prints with a driver of the package. Otherwise the folder goes; drivers that came
+// from it stay registered.
 std::uint32_t delete_package(SpoolerState& state, PackageFiles& files, std::u16string_view stored_path,
                              std::u16string_view environment);
 

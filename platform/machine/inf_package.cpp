@@ -127,7 +127,8 @@ std::uint32_t PackageReader::read_models_section(std::u16string_view name) {
         return inf_error::section_not_found;
     for (const InfLine& line : models->lines) {
         if (!line.key.empty())
-            package_.models.push_back({line.key, line.values[0], line.values.size() > 1 ? line.values[1] : u""});
+            package_.models.push_back(
+                {line.key, line.values[0], line.values.size() > 1 ? line.values[1] : u""});
     }
     return 0;
 }
@@ -135,8 +136,11 @@ std::uint32_t PackageReader::read_models_section(std::u16string_view name) {
 // The install section for this platform, the one for all, or the plain one, in this order.
 std::uint32_t PackageReader::read_install_section(std::u16string_view name) {
     const std::u16string base(name);
-    const std::array<std::u16string, 3> names = {base + u".NT" + std::u16string(platform_), base + u".NT", base};
-    const auto place = std::find_if(names.begin(), names.end(), [this](const auto& candidate) { return inf_.section(candidate) != nullptr; });
+    const std::array<std::u16string, 3> names = {base + u".NT" + std::u16string(platform_), base + u".NT",
+                                                 base};
+    const auto place = std::find_if(names.begin(), names.end(), [this](const auto& candidate) {
+        return inf_.section(candidate) != nullptr;
+    });
     if (place == names.end())
         return inf_error::section_not_found;
     if (inf_.line(*place, u"Include") != nullptr)
@@ -168,7 +172,8 @@ void PackageReader::read_copy_list(std::u16string_view list) {
     }
 }
 
-// What the driver's parts are called. They are copied by the lists above, or belong to the system's own driver.
+// What the driver's parts are called. They are copied by the lists above, or belong to the system's own
+// driver.
 void PackageReader::read_data_files(std::u16string_view section) {
     for (const std::u16string_view key : {u"DriverFile", u"ConfigFile", u"DataFile", u"HelpFile"}) {
         if (const std::u16string file = inf_.value(section, key); !file.empty())
@@ -181,7 +186,8 @@ const InfLine* PackageReader::source_line(std::u16string_view section, std::u16s
     return line != nullptr ? line : inf_.line(section, key);
 }
 
-// Where [SourceDisksFiles] and [SourceDisksNames] put a file: the disk's path and the file's own folder in it.
+// Where [SourceDisksFiles] and [SourceDisksNames] put a file: the disk's path and the file's own folder in
+// it.
 void PackageReader::add_source(std::u16string_view file, bool part_of_driver) {
     const InfLine* entry = source_line(u"SourceDisksFiles", file);
     if (entry == nullptr) {
@@ -190,8 +196,9 @@ void PackageReader::add_source(std::u16string_view file, bool part_of_driver) {
     }
     const InfLine* disk = source_line(u"SourceDisksNames", entry->values[0]);
     std::u16string path;
-    for (const std::u16string& part : {disk != nullptr && disk->values.size() > 3 ? disk->values[3] : std::u16string(),
-                                       entry->values.size() > 1 ? entry->values[1] : std::u16string(), std::u16string(file)}) {
+    for (const std::u16string& part :
+         {disk != nullptr && disk->values.size() > 3 ? disk->values[3] : std::u16string(),
+          entry->values.size() > 1 ? entry->values[1] : std::u16string(), std::u16string(file)}) {
         std::u16string_view plain = part;
         while (plain.starts_with(u'\\') || plain.starts_with(u".\\"))
             plain.remove_prefix(1);
@@ -204,7 +211,8 @@ void PackageReader::add_source(std::u16string_view file, bool part_of_driver) {
 }
 
 void PackageReader::add_file(std::u16string path, bool optional) {
-    const auto known = std::find_if(package_.files.begin(), package_.files.end(), [&](const auto& file) { return same_name(file.path, path); });
+    const auto known = std::find_if(package_.files.begin(), package_.files.end(),
+                                    [&](const auto& file) { return same_name(file.path, path); });
     if (known == package_.files.end())
         package_.files.push_back({std::move(path), optional});
     else
@@ -213,7 +221,8 @@ void PackageReader::add_file(std::u16string path, bool optional) {
 
 } // namespace
 
-std::uint32_t read_inf_package(std::u16string_view text, std::u16string_view environment, InfPackage& package) {
+std::uint32_t read_inf_package(std::u16string_view text, std::u16string_view environment,
+                               InfPackage& package) {
     InfText inf;
     if (!inf.parse(text))
         return inf_error::general_syntax;

@@ -10,11 +10,12 @@ namespace {
 std::u16string_view trimmed(std::u16string_view text) {
     constexpr std::u16string_view blanks = u" \t\r\uFEFF";
     const std::size_t begin = text.find_first_not_of(blanks);
-    return begin == text.npos ? std::u16string_view() : text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
+    return begin == text.npos ? std::u16string_view()
+                              : text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
 }
 
-// The place of the first of the marks outside of quotes, else the text's end. `open` tells whether a quote is open
-// there; two quotes in a quoted text close and open it again, which comes to the same.
+// The place of the first of the marks outside of quotes, else the text's end. `open` tells whether a quote is
+// open there; two quotes in a quoted text close and open it again, which comes to the same.
 std::size_t find_outside_quotes(std::u16string_view text, std::u16string_view marks, bool& open) {
     open = false;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -82,7 +83,8 @@ bool InfText::parse_line(std::u16string_view line) {
         if (end == line.npos)
             return false;
         const std::u16string name(trimmed(line.substr(1, end - 1)));
-        const auto known = std::find_if(sections_.begin(), sections_.end(), [&](const auto& section) { return same_name(section.name, name); });
+        const auto known = std::find_if(sections_.begin(), sections_.end(),
+                                        [&](const auto& section) { return same_name(section.name, name); });
         current_ = static_cast<std::size_t>(known - sections_.begin()) + 1;
         if (known == sections_.end())
             sections_.push_back({name, {}});
@@ -143,7 +145,8 @@ void InfText::replace_strings() {
 }
 
 const InfSection* InfText::section(std::u16string_view name) const {
-    const auto found = std::find_if(sections_.begin(), sections_.end(), [name](const auto& section) { return same_name(section.name, name); });
+    const auto found = std::find_if(sections_.begin(), sections_.end(),
+                                    [name](const auto& section) { return same_name(section.name, name); });
     return found == sections_.end() ? nullptr : &*found;
 }
 
@@ -151,7 +154,8 @@ const InfLine* InfText::line(std::u16string_view section_name, std::u16string_vi
     const InfSection* found = section(section_name);
     if (found == nullptr)
         return nullptr;
-    const auto entry = std::find_if(found->lines.begin(), found->lines.end(), [key](const auto& candidate) { return same_name(candidate.key, key); });
+    const auto entry = std::find_if(found->lines.begin(), found->lines.end(),
+                                    [key](const auto& candidate) { return same_name(candidate.key, key); });
     return entry == found->lines.end() ? nullptr : &*entry;
 }
 

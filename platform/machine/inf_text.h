@@ -20,11 +20,12 @@ struct InfSection {
 
 class InfText {
 public:
-    // Sections of the same name are joined. False when a line can't be read: a header without its bracket, an entry
-    // in front of the first section, a quote left open.
+    // Sections of the same name are joined. False when a line can't be read: a header without its bracket, an
+    // entry in front of the first section, a quote left open.
     bool parse(std::u16string_view text);
 
-    const InfSection* section(std::u16string_view name) const; // without regard to case; null when there is none
+    const InfSection*
+    section(std::u16string_view name) const; // without regard to case; null when there is none
     // The first entry's line of that key, or null.
     const InfLine* line(std::u16string_view section_name, std::u16string_view key) const;
     // Its first value, or an empty text.

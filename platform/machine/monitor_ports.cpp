@@ -9,7 +9,9 @@ namespace {
 
 constexpr std::uint32_t network_port = 1 | 2 | 8; // PORT_TYPE_WRITE, PORT_TYPE_READ, PORT_TYPE_NET_ATTACHED
 
-MonitorAnswer status_only(std::uint32_t status) { return {status, 0, {}}; }
+MonitorAnswer status_only(std::uint32_t status) {
+    return {status, 0, {}};
+}
 
 PrintPort* find_port_of(SpoolerState& state, const PortMonitor& monitor, std::u16string_view name) {
     PrintPort* port = find_port(state, name);
@@ -49,13 +51,15 @@ std::uint32_t delete_port(SpoolerState& state, const PortMonitor& monitor, Bytes
     const PrintPort* port = find_port_of(state, monitor, name);
     if (port == nullptr)
         return spooler_error::unknown_port;
-    if (std::any_of(state.queues.begin(), state.queues.end(), [&](const auto& queue) { return same_name(queue.port, name); }))
+    if (std::any_of(state.queues.begin(), state.queues.end(),
+                    [&](const auto& queue) { return same_name(queue.port, name); }))
         return spooler_error::busy;
     state.ports.erase(state.ports.begin() + (port - state.ports.data()));
     return 0;
 }
 
-MonitorAnswer get_configuration(SpoolerState& state, const PortMonitor& monitor, Bytes input, std::uint32_t output_size) {
+MonitorAnswer get_configuration(SpoolerState& state, const PortMonitor& monitor, Bytes input,
+                                std::uint32_t output_size) {
     const auto name = read_block_text(input, 0, input.size() / 2);
     if (!name || input.size() != 2 * (name->size() + 1))
         return status_only(spooler_error::invalid_parameter);

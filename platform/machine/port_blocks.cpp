@@ -43,7 +43,8 @@ std::optional<std::u16string> read_block_text(Bytes block, std::size_t offset, s
     return std::nullopt;
 }
 
-void write_block_text(std::span<std::uint8_t> block, std::size_t offset, std::size_t capacity, std::u16string_view text) {
+void write_block_text(std::span<std::uint8_t> block, std::size_t offset, std::size_t capacity,
+                      std::u16string_view text) {
     const std::u16string_view kept = text.substr(0, capacity - 1);
     for (std::size_t i = 0; i <= kept.size(); ++i) {
         const unsigned unit = i < kept.size() ? kept[i] : 0u;
@@ -52,9 +53,9 @@ void write_block_text(std::span<std::uint8_t> block, std::size_t offset, std::si
     }
 }
 
-// AddPort, version 1: name at 0 (64 characters), version 128, protocol 132, size 136, reserved 140, host address
-// 144 (49), community 242 (33), double spool 308, queue 312 (33), IP address 378 (16), reserved 410 to 951, port
-// number 952, SNMP switch 956, SNMP index 960.
+// AddPort, version 1: name at 0 (64 characters), version 128, protocol 132, size 136, reserved 140, host
+// address 144 (49), community 242 (33), double spool 308, queue 312 (33), IP address 378 (16), reserved 410
+// to 951, port number 952, SNMP switch 956, SNMP index 960.
 std::uint32_t read_add_port(Bytes block, PortRequest& request) {
     if (block.size() != add_port_size)
         return spooler_error::invalid_data;
@@ -87,8 +88,8 @@ std::uint32_t read_delete_port(Bytes block, std::u16string& port_name) {
     return 0;
 }
 
-// The fields whose meaning only the monitor knows hold something, so that a reader who must leave them alone can be
-// caught changing them.
+// The fields whose meaning only the monitor knows hold something, so that a reader who must leave them alone
+// can be caught changing them.
 std::vector<std::uint8_t> new_configuration(std::uint32_t size, std::u16string_view port_name) {
     std::vector<std::uint8_t> block(size);
     write_number(block, 0, 1);

@@ -1,5 +1,5 @@
-// The blocks that port monitors take, read and written byte by byte at their published offsets. Numbers are 32 bits,
-// little-endian; texts 16-bit characters with a terminator inside their field.
+// The blocks that port monitors take, read and written byte by byte at their published offsets. Numbers are
+// 32 bits, little-endian; texts 16-bit characters with a terminator inside their field.
 #pragma once
 
 #include <cstdint>
@@ -27,8 +27,8 @@ struct PortRequest {
     std::uint32_t snmp_enabled = 0;
 };
 
-// What a monitor answers to a block that it can't read: invalid_data for a wrong size, invalid_level for another
-// version than 1, invalid_parameter for a field that breaks the layout; 0 when the request was read.
+// What a monitor answers to a block that it can't read: invalid_data for a wrong size, invalid_level for
+// another version than 1, invalid_parameter for a field that breaks the layout; 0 when the request was read.
 std::uint32_t read_add_port(Bytes block, PortRequest& request);
 std::uint32_t read_delete_port(Bytes block, std::u16string& port_name);
 
@@ -41,6 +41,7 @@ std::vector<std::uint8_t> new_configuration(std::uint32_t size, std::u16string_v
 // Where both kinds of configuration block hold the port's name, and how many characters of room it has.
 constexpr std::size_t configuration_name_offset = 8;
 constexpr std::size_t configuration_name_capacity = 1024;
-void write_block_text(std::span<std::uint8_t> block, std::size_t offset, std::size_t capacity, std::u16string_view text);
+void write_block_text(std::span<std::uint8_t> block, std::size_t offset, std::size_t capacity,
+                      std::u16string_view text);
 
 } // namespace platform

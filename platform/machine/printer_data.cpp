@@ -15,14 +15,16 @@ bool plain_key(std::u16string_view key) {
 std::optional<std::u16string_view> below(std::u16string_view stored, std::u16string_view key) {
     if (key.empty())
         return stored;
-    if (stored.size() <= key.size() || stored[key.size()] != u'\\' || !same_name(stored.substr(0, key.size()), key))
+    if (stored.size() <= key.size() || stored[key.size()] != u'\\' ||
+        !same_name(stored.substr(0, key.size()), key))
         return std::nullopt;
     return stored.substr(key.size() + 1);
 }
 
 } // namespace
 
-std::optional<std::vector<std::u16string>> printer_sub_keys(const PrintQueue& queue, std::u16string_view key) {
+std::optional<std::vector<std::u16string>> printer_sub_keys(const PrintQueue& queue,
+                                                            std::u16string_view key) {
     std::vector<std::u16string> names;
     bool exists = key.empty();
     for (const auto& [stored, values] : queue.data) {
@@ -32,7 +34,8 @@ std::optional<std::vector<std::u16string>> printer_sub_keys(const PrintQueue& qu
             continue;
         exists = true;
         const std::u16string name(rest->substr(0, rest->find(u'\\')));
-        if (std::none_of(names.begin(), names.end(), [&name](const auto& known) { return same_name(known, name); }))
+        if (std::none_of(names.begin(), names.end(),
+                         [&name](const auto& known) { return same_name(known, name); }))
             names.push_back(name);
     }
     if (!exists)
@@ -44,11 +47,13 @@ std::uint32_t set_printer_value(PrintQueue& queue, std::u16string_view key, std:
                                 PrinterDataValue value) {
     if (!plain_key(key) || name.empty())
         return spooler_error::invalid_parameter;
-    auto place = std::find_if(queue.data.begin(), queue.data.end(), [key](const auto& entry) { return same_name(entry.first, key); });
+    auto place = std::find_if(queue.data.begin(), queue.data.end(),
+                              [key](const auto& entry) { return same_name(entry.first, key); });
     if (place == queue.data.end())
         place = queue.data.emplace(key, std::map<std::u16string, PrinterDataValue>()).first;
     auto& values = place->second;
-    const auto known = std::find_if(values.begin(), values.end(), [name](const auto& entry) { return same_name(entry.first, name); });
+    const auto known = std::find_if(values.begin(), values.end(),
+                                    [name](const auto& entry) { return same_name(entry.first, name); });
     if (known == values.end())
         values.emplace(name, std::move(value));
     else
@@ -56,7 +61,8 @@ std::uint32_t set_printer_value(PrintQueue& queue, std::u16string_view key, std:
     return 0;
 }
 
-const PrinterDataValue* find_printer_value(const PrintQueue& queue, std::u16string_view key, std::u16string_view name) {
+const PrinterDataValue* find_printer_value(const PrintQueue& queue, std::u16string_view key,
+                                           std::u16string_view name) {
     for (const auto& [stored, values] : queue.data) {
         if (!same_name(stored, key))
             continue;
@@ -68,6 +74,8 @@ const PrinterDataValue* find_printer_value(const PrintQueue& queue, std::u16stri
     return nullptr;
 }
 
-bool is_text_type(std::uint32_t type) { return type == 1 || type == 2 || type == 7; }
+bool is_text_type(std::uint32_t type) {
+    return type == 1 || type == 2 || type == 7;
+}
 
 } // namespace platform

@@ -1,5 +1,5 @@
-// Lays out the answer of an enumeration as the platform does: the fixed records in front, their texts behind them,
-// all in the caller's one buffer.
+// Lays out the answer of an enumeration as the platform does: the fixed records in front, their texts behind
+// them, all in the caller's one buffer.
 #pragma once
 
 #include <cstddef>
@@ -11,18 +11,19 @@
 
 namespace platform {
 
-template <class Record>
+template<class Record>
 class RecordBuffer {
 public:
     // A new record, all zero.
     Record& add() { return records_.emplace_back(); }
 
     // A text for a pointer field of the last record; 16-bit text of whatever type the field points to.
-    template <class Char>
+    template<class Char>
     void text(Char* Record::*field, std::u16string_view text) {
         static_assert(sizeof(Char) == sizeof(char16_t));
         Record& record = records_.back();
-        const auto offset = reinterpret_cast<std::uintptr_t>(&(record.*field)) - reinterpret_cast<std::uintptr_t>(&record);
+        const auto offset =
+            reinterpret_cast<std::uintptr_t>(&(record.*field)) - reinterpret_cast<std::uintptr_t>(&record);
         texts_.push_back({(records_.size() - 1) * sizeof(Record) + offset, std::u16string(text)});
         text_bytes_ += (text.size() + 1) * sizeof(char16_t);
     }

@@ -10,37 +10,45 @@ namespace {
 
 constexpr std::size_t longest_queue_name = 220;
 
-template <class Record>
+template<class Record>
 Record* find_named(std::vector<Record>& records, std::u16string_view name) {
-    const auto found =
-        std::find_if(records.begin(), records.end(), [name](const Record& record) { return same_name(record.name, name); });
+    const auto found = std::find_if(records.begin(), records.end(),
+                                    [name](const Record& record) { return same_name(record.name, name); });
     return found == records.end() ? nullptr : &*found;
 }
 
 bool listed(const std::vector<std::u16string>& names, std::u16string_view name) {
-    return std::any_of(names.begin(), names.end(), [name](const auto& entry) { return same_name(entry, name); });
+    return std::any_of(names.begin(), names.end(),
+                       [name](const auto& entry) { return same_name(entry, name); });
 }
 
 void pass_default_printer_on(SpoolerState& state, std::u16string_view gone) {
     if (!same_name(state.default_printer, gone))
         return;
-    const auto next = std::find_if(state.queues.begin(), state.queues.end(), [](const auto& queue) { return !queue.deleting; });
+    const auto next = std::find_if(state.queues.begin(), state.queues.end(),
+                                   [](const auto& queue) { return !queue.deleting; });
     state.default_printer = next == state.queues.end() ? std::u16string() : next->name;
 }
 
 } // namespace
 
 bool known_environment(std::u16string_view name) {
-    static constexpr std::array<std::u16string_view, 6> names = {u"Windows x64",    u"Windows NT x86", u"Windows ARM64",
-                                                                 u"Windows ARM",    u"Windows IA64",   u"Windows 4.0"};
+    static constexpr std::array<std::u16string_view, 6> names = {
+        u"Windows x64", u"Windows NT x86", u"Windows ARM64", u"Windows ARM", u"Windows IA64", u"Windows 4.0"};
     return std::any_of(names.begin(), names.end(), [name](auto known) { return same_name(known, name); });
 }
 
-PrintQueue* find_queue(SpoolerState& state, std::u16string_view name) { return find_named(state.queues, name); }
+PrintQueue* find_queue(SpoolerState& state, std::u16string_view name) {
+    return find_named(state.queues, name);
+}
 
-PortMonitor* find_monitor(SpoolerState& state, std::u16string_view name) { return find_named(state.monitors, name); }
+PortMonitor* find_monitor(SpoolerState& state, std::u16string_view name) {
+    return find_named(state.monitors, name);
+}
 
-PrintPort* find_port(SpoolerState& state, std::u16string_view name) { return find_named(state.ports, name); }
+PrintPort* find_port(SpoolerState& state, std::u16string_view name) {
+    return find_named(state.ports, name);
+}
 
 bool valid_queue_name(std::u16string_view name) {
     return !name.empty() && name.size() <= longest_queue_name && name.find_first_of(u"\\,!") == name.npos;
@@ -48,9 +56,10 @@ bool valid_queue_name(std::u16string_view name) {
 
 bool known_datatype(std::u16string_view datatype) {
     static constexpr std::array<std::u16string_view, 8> names = {
-        u"RAW", u"RAW [FF appended]", u"RAW [FF auto]", u"NT EMF 1.003", u"NT EMF 1.006", u"NT EMF 1.007", u"NT EMF 1.008",
-        u"TEXT"};
-    return std::any_of(names.begin(), names.end(), [datatype](auto known) { return same_name(known, datatype); });
+        u"RAW",          u"RAW [FF appended]", u"RAW [FF auto]", u"NT EMF 1.003",
+        u"NT EMF 1.006", u"NT EMF 1.007",      u"NT EMF 1.008",  u"TEXT"};
+    return std::any_of(names.begin(), names.end(),
+                       [datatype](auto known) { return same_name(known, datatype); });
 }
 
 std::uint32_t open_queue(SpoolerState& state, std::u16string_view name, std::uint32_t access) {

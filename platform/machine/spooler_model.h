@@ -58,14 +58,14 @@ bool known_datatype(std::u16string_view datatype);
 std::uint32_t open_queue(SpoolerState& state, std::u16string_view name, std::uint32_t access);
 // Port, driver, processor and datatype must exist; an empty datatype becomes the processor's own, RAW.
 std::uint32_t add_queue(SpoolerState& state, PrintQueue queue);
-// `access` is the handle's. A queue with jobs is only marked, and stays listed. The default printer passes on to
-// the first queue that remains.
+// `access` is the handle's. A queue with jobs is only marked, and stays listed. The default printer passes on
+// to the first queue that remains.
 std::uint32_t delete_queue(SpoolerState& state, std::u16string_view name, std::uint32_t access);
 // An empty name keeps the present default printer, or picks the first queue.
 std::uint32_t set_default_printer(SpoolerState& state, std::u16string_view name);
 
-// A monitor from outside speaks the interface of the custom ones: its configuration block has 4,112 bytes when its
-// file is dryxmon.dll, else 6,168.
+// A monitor from outside speaks the interface of the custom ones: its configuration block has 4,112 bytes
+// when its file is dryxmon.dll, else 6,168.
 std::uint32_t add_monitor(SpoolerState& state, std::u16string_view name, std::u16string_view environment,
                           std::u16string_view dll);
 

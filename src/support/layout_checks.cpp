@@ -1,5 +1,5 @@
-// The sizes, offsets and values that this program's blocks and calls stand on. One table for both platforms: what it
-// holds can't differ between them. Nothing here is code.
+// The sizes, offsets and values that this program's blocks and calls stand on. One table for both platforms:
+// what it holds can't differ between them. Nothing here is code.
 #include "support/platform_gaps.h"
 
 #include <cfgmgr32.h>
@@ -52,7 +52,8 @@ static_assert(sizeof(PRINTER_DEFAULTSW) == (narrow ? 12 : 24));
 static_assert(sizeof(SERVICE_STATUS_PROCESS) == 36 && sizeof(SERVICE_STATUS) == 28);
 static_assert(sizeof(ENUM_SERVICE_STATUSW) == (narrow ? 36 : 48));
 static_assert(SC_STATUS_PROCESS_INFO == 0 && SERVICE_CONTROL_STOP == 1 && SERVICE_ACTIVE == 1);
-static_assert(SERVICE_STOPPED == 1 && SERVICE_START_PENDING == 2 && SERVICE_STOP_PENDING == 3 && SERVICE_RUNNING == 4);
+static_assert(SERVICE_STOPPED == 1 && SERVICE_START_PENDING == 2 && SERVICE_STOP_PENDING == 3 &&
+              SERVICE_RUNNING == 4);
 static_assert(SC_MANAGER_ALL_ACCESS == 0xF003F && SERVICE_ALL_ACCESS == 0xF01FF);
 static_assert((SERVICE_STOP | SERVICE_QUERY_STATUS | SERVICE_ENUMERATE_DEPENDENTS) == 0x2C);
 static_assert((SERVICE_STOP | SERVICE_QUERY_STATUS) == 0x24);

@@ -1,5 +1,5 @@
-// What the platform has and MinGW-w64's package doesn't declare. The import libraries do know the call, so that it
-// links like any other. Layouts and values are checked in layout_checks.cpp.
+// What the platform has and MinGW-w64's package doesn't declare. The import libraries do know the call, so
+// that it links like any other. Layouts and values are checked in layout_checks.cpp.
 #pragma once
 
 #include <windows.h>
@@ -11,10 +11,12 @@ constexpr DWORD UPDP_UPLOAD_ALWAYS = 0x00000002;
 constexpr DWORD UPDP_CHECK_DRIVERSTORE = 0x00000004;
 
 // Installs the named driver from a package that the driver store holds. The result is 0 (S_OK) or an error.
-extern "C" HRESULT WINAPI InstallPrinterDriverFromPackageW(LPCWSTR server, LPCWSTR inf_path, LPCWSTR driver_name,
-                                                           LPCWSTR environment, DWORD flags);
+extern "C" HRESULT WINAPI InstallPrinterDriverFromPackageW(LPCWSTR server, LPCWSTR inf_path,
+                                                           LPCWSTR driver_name, LPCWSTR environment,
+                                                           DWORD flags);
 
-// The Standard TCP/IP Port monitor's blocks (tcpxcv.h of the platform's driver kit). Lengths count the terminator.
+// The Standard TCP/IP Port monitor's blocks (tcpxcv.h of the platform's driver kit). Lengths count the
+// terminator.
 constexpr DWORD MAX_PORTNAME_LEN = 64;
 constexpr DWORD MAX_NETWORKNAME_LEN = 49;
 constexpr DWORD MAX_SNMP_COMMUNITY_STR_LEN = 33;
