@@ -6,13 +6,20 @@ target_compile_options(trk_warnings INTERFACE
   -Wcast-qual -Wformat=2 -Wundef -Wnull-dereference -Wduplicated-cond -Wlogical-op
   -Wno-missing-field-initializers)
 
-# What src/ is compiled with on every platform: no exceptions, no run-time types.
+# What src/ is compiled with on every platform, and who includes its headers. What is left out of the language stands
+# with the targets of src/ alone, since tools and tests that link them do use it.
 add_library(trk_source_flags INTERFACE)
 target_link_libraries(trk_source_flags INTERFACE trk_warnings)
 target_compile_features(trk_source_flags INTERFACE cxx_std_20)
-target_compile_options(trk_source_flags INTERFACE -fno-exceptions -fno-rtti)
+set(TRK_SOURCE_LANGUAGE -fno-exceptions -fno-rtti)
 target_compile_definitions(trk_source_flags INTERFACE UNICODE _UNICODE)
 target_include_directories(trk_source_flags INTERFACE ${PROJECT_SOURCE_DIR}/src)
+
+# Recompilation after a switch of branches is cheap where the compiler cache is installed.
+find_program(TRK_CCACHE ccache)
+if(TRK_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${TRK_CCACHE})
+endif()
 
 if(WIN32)
   # Vista is the oldest system that the manifest names; what is newer is looked up at run time.
@@ -20,8 +27,32 @@ if(WIN32)
   # The functions' own sections let the linker drop what nothing calls. Casts between function pointer types
   # are what run-time look-up is made of.
   target_compile_options(trk_source_flags INTERFACE
-    -Os -ffunction-sections -fdata-sections -fno-ident -fno-asynchronous-unwind-tables
-    -Wno-cast-function-type -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+    -Os -ffunction-sections -fdata-sections -fno-ident -fstack-protector-strong -Wno-cast-function-type
+    -ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${CMAKE_BINARY_DIR}=build)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    # On 64 bits the platform unwinds by these tables; on 32 bits nobody reads them.
+    target_compile_options(trk_source_flags INTERFACE -fno-asynchronous-unwind-tables)
+  endif()
+  # Libraries that are loaded at their first use are called through their stubs. Where a header says dllimport the
+  # 32-bit linker would drop the stub and leave the slot that it fills empty, so the headers' own switches
+  # take that away.
+  target_compile_definitions(trk_source_flags INTERFACE
+    _SHELL32_ _SHLWAPI_ _OLE32_ _SETUPAPI_ WINSOCK_API_LINKAGE=)
+
+  # The system libraries that are loaded with the program, in place of the longer list that CMake links by itself.
+  set(CMAKE_CXX_STANDARD_LIBRARIES "-ladvapi32 -luser32 -lkernel32")
+
+  # No runtime library of the compiler, an image that may lie anywhere and whose data can't be run, and nothing in it
+  # that differs from one build to the next.
+  add_library(trk_windows_link INTERFACE)
+  target_link_options(trk_windows_link INTERFACE
+    -static -Wl,--gc-sections -Wl,--dynamicbase -Wl,--nxcompat -Wl,--enable-reloc-section
+    -Wl,--no-insert-timestamp -Wl,--strip-debug -Wl,--fatal-warnings
+    -Wl,--major-subsystem-version=6 -Wl,--minor-subsystem-version=0
+    -Wl,--major-os-version=6 -Wl,--minor-os-version=0)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    target_link_options(trk_windows_link INTERFACE -Wl,--high-entropy-va)
+  endif()
 else()
   # The layer ends a run by unwinding through the program's frames, so they need unwind tables.
   target_compile_options(trk_source_flags INTERFACE -fasynchronous-unwind-tables -Wno-cast-function-type)
