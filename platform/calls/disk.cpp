@@ -3,7 +3,7 @@
 #include "calls/file_object.h"
 
 #include <cerrno>
-#include <fcntl.h>
+#include <fstream>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -28,7 +28,13 @@ std::uint32_t source_error(const RealPath& source) {
     return open_files()->admits(use_of(facts, FILE_SHARE_READ, share_all)) ? 0 : ERROR_SHARING_VIOLATION;
 }
 
-std::uint32_t target_error(const RealPath& source, const RealPath& target, bool over_read_only) {
+bool same_file(const RealPath& a, const struct stat& facts) {
+    struct stat own;
+    return stat(a.real.c_str(), &own) == 0 && own.st_dev == facts.st_dev && own.st_ino == facts.st_ino;
+}
+
+// `source` is null when the bytes come from elsewhere.
+std::uint32_t target_error(const RealPath* source, const RealPath& target, bool over_read_only) {
     if (target.error != 0)
         return target.error;
     if (target.folder)
@@ -42,10 +48,8 @@ std::uint32_t target_error(const RealPath& source, const RealPath& target, bool 
         return 0;
     if (!S_ISREG(facts.st_mode) || (is_read_only(facts) && !over_read_only))
         return ERROR_ACCESS_DENIED;
-    struct stat source_facts;
-    const bool onto_itself = stat(source.real.c_str(), &source_facts) == 0 &&
-                             source_facts.st_dev == facts.st_dev && source_facts.st_ino == facts.st_ino;
-    if (onto_itself || !open_files()->admits(use_of(facts, FILE_SHARE_WRITE, 0)))
+    if ((source != nullptr && same_file(*source, facts)) ||
+        !open_files()->admits(use_of(facts, FILE_SHARE_WRITE, 0)))
         return ERROR_SHARING_VIOLATION;
     if (is_read_only(facts) && chmod(target.real.c_str(), facts.st_mode | S_IWUSR) != 0)
         return error_of(errno);
@@ -57,7 +61,7 @@ std::uint32_t target_error(const RealPath& source, const RealPath& target, bool 
 std::uint32_t copy_file(const RealPath& source, const RealPath& target, bool over_read_only) {
     std::uint32_t error = source_error(source);
     if (error == 0)
-        error = target_error(source, target, over_read_only);
+        error = target_error(&source, target, over_read_only);
     if (error != 0)
         return error;
     std::error_code failed;
@@ -68,6 +72,17 @@ std::uint32_t copy_file(const RealPath& source, const RealPath& target, bool ove
     if (!failed)
         fs::last_write_time(target.real, time, failed);
     return failed ? error_of(failed.value()) : 0;
+}
+
+std::uint32_t write_file(const RealPath& target, std::string_view bytes) {
+    const std::uint32_t error = target_error(nullptr, target, false);
+    if (error != 0)
+        return error;
+    errno = 0;
+    std::ofstream file(target.real, std::ios::binary | std::ios::trunc);
+    file << bytes;
+    file.close();
+    return file ? 0 : error_of(errno);
 }
 
 std::uint32_t delete_file(const RealPath& path, bool read_only_too) {

@@ -11,6 +11,9 @@ namespace platform {
 // a read-only target is replaced too.
 std::uint32_t copy_file(const RealPath& source, const RealPath& target, bool over_read_only);
 
+// Makes the file, or writes it anew, with these bytes.
+std::uint32_t write_file(const RealPath& target, std::string_view bytes);
+
 // A file or a link; with `read_only_too` also a read-only file.
 std::uint32_t delete_file(const RealPath& path, bool read_only_too);
 

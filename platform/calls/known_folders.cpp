@@ -1,3 +1,4 @@
+#include "calls/com.h"
 #include "calls/paths.h"
 #include "calls/session.h"
 #include "machine/text.h"
@@ -11,10 +12,6 @@
 
 namespace {
 
-bool same_id(const GUID& a, const GUID& b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
-
 struct KnownFolder {
     const char* name;
     const std::u16string* path; // null: not modelled
@@ -22,9 +19,9 @@ struct KnownFolder {
 
 KnownFolder known_folder(const GUID& id) {
     const platform::Folders& folders = platform::session().machine.folders;
-    if (same_id(id, FOLDERID_ProgramFiles))
+    if (platform::same_id(id, FOLDERID_ProgramFiles))
         return {"ProgramFiles", &folders.program_files};
-    if (same_id(id, FOLDERID_CommonPrograms))
+    if (platform::same_id(id, FOLDERID_CommonPrograms))
         return {"CommonPrograms", &folders.common_programs};
     return {"another", nullptr};
 }
