@@ -27,7 +27,7 @@ if(WIN32)
   # The functions' own sections let the linker drop what nothing calls. Casts between function pointer types
   # are what run-time look-up is made of.
   target_compile_options(trk_source_flags INTERFACE
-    -Os -ffunction-sections -fdata-sections -fno-ident -fstack-protector-strong -Wno-cast-function-type
+    -Os -ffunction-sections -fno-ident -fstack-protector-strong -Wno-cast-function-type
     -ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${CMAKE_BINARY_DIR}=build)
   if(CMAKE_SIZEOF_VOID_P EQUAL 4)
     # On 64 bits the platform unwinds by these tables; on 32 bits nobody reads them.

@@ -26,7 +26,7 @@ int show_open_file(HWND page, HANDLE file) {
     DWORD bytes = 0;
     if (!ReadFile(file, text, longest_text, &bytes, nullptr) || bytes == 0)
         return 0;
-    const DWORD characters = bytes / sizeof(WCHAR);
+    const DWORD characters = bytes / static_cast<DWORD>(sizeof(WCHAR));
     text[characters] = 0;
     const HWND control = GetDlgItem(page, IDC_TERMS_TEXT);
     SetWindowTextW(control, characters > 1 ? text + 1 : TEXT(""));

@@ -1,0 +1,68 @@
+#include "rehearsal/log_follower.h"
+
+#include "app/app_state.h"
+#include "calls/code_page_table.h"
+#include "calls/file_object.h"
+#include "calls/session.h"
+#include "machine/text.h"
+
+#include <fstream>
+#include <iterator>
+
+namespace rehearsal {
+namespace {
+
+constexpr std::uint32_t utf8_code_page = 65001;
+
+// The real file of the program's open log; empty while there is none.
+std::filesystem::path open_log_file() {
+    if (app.log_handle == INVALID_HANDLE_VALUE)
+        return {};
+    const auto file =
+        std::dynamic_pointer_cast<platform::File>(platform::session().handles.peek(app.log_handle));
+    return file ? platform::real_path(file->path.c_str()).real : std::filesystem::path{};
+}
+
+} // namespace
+
+std::string ansi_to_utf8(std::string_view bytes, std::uint32_t code_page) {
+    if (code_page == utf8_code_page)
+        return std::string(bytes);
+    const platform::CodePageTable* const table = platform::code_page_table(code_page);
+    if (table == nullptr)
+        return std::string(bytes);
+    std::u16string text;
+    for (std::size_t place = 0; place < bytes.size(); ++place) {
+        const auto byte = static_cast<unsigned char>(bytes[place]);
+        if (!table->lead[byte]) {
+            text += table->single[byte];
+        } else if (++place < bytes.size()) {
+            const auto trail = static_cast<unsigned char>(bytes[place]);
+            const char16_t pair = table->pairs[byte * 256u + trail];
+            text += pair != 0 ? pair : table->unknown;
+        }
+    }
+    return platform::to_utf8(text);
+}
+
+std::string LogFollower::take() {
+    if (file_.empty()) {
+        file_ = open_log_file();
+        if (file_.empty())
+            return {};
+        // Earlier runs' lines stand in front of the banner, with which this run begins.
+        std::ifstream stream(file_, std::ios::binary);
+        const std::string whole{std::istreambuf_iterator<char>(stream), {}};
+        const std::size_t banner = whole.rfind("\r\nVorlane Installer ");
+        seen_ = banner == std::string::npos ? whole.size() : banner;
+    }
+    std::ifstream stream(file_, std::ios::binary);
+    stream.seekg(static_cast<std::streamoff>(seen_));
+    const std::string fresh{std::istreambuf_iterator<char>(stream), {}};
+    seen_ += fresh.size();
+    const std::string shown = ansi_to_utf8(fresh, platform::session().machine.code_page);
+    text_ += shown;
+    return shown;
+}
+
+} // namespace rehearsal

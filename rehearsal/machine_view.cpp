@@ -1,0 +1,120 @@
+#include "rehearsal/machine_view.h"
+
+#include "calls/link_reader.h"
+#include "machine/text.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+namespace rehearsal {
+namespace {
+
+using platform::to_utf8;
+
+template<class T>
+bool holds(const std::vector<T>& all, const T& one) {
+    return std::find(all.begin(), all.end(), one) != all.end();
+}
+
+std::string version_text(std::uint64_t version) {
+    return std::to_string(version >> 48) + "." + std::to_string((version >> 32) & 0xffff) + "." +
+           std::to_string((version >> 16) & 0xffff) + "." + std::to_string(version & 0xffff);
+}
+
+std::string data_text(const platform::PrinterDataValue& value) {
+    constexpr std::uint32_t number_type = 4;
+    if (value.type == number_type && value.data.size() == 4)
+        return std::to_string(value.data[0] | value.data[1] << 8 | value.data[2] << 16 |
+                              static_cast<int>(static_cast<unsigned>(value.data[3]) << 24));
+    std::u16string text;
+    for (std::size_t place = 0; place + 1 < value.data.size(); place += 2)
+        text += static_cast<char16_t>(value.data[place] | value.data[place + 1] << 8);
+    while (!text.empty() && text.back() == 0)
+        text.pop_back();
+    return to_utf8(text);
+}
+
+void print_queue(std::ostream& out, const platform::PrintQueue& queue, bool is_default) {
+    out << "    queue     " << to_utf8(queue.name) << (is_default ? "  (default printer)" : "") << "\n"
+        << "                on port " << to_utf8(queue.port) << ", driver " << to_utf8(queue.driver) << ", "
+        << to_utf8(queue.processor) << ", " << to_utf8(queue.datatype) << "\n";
+    for (const auto& [key, values] : queue.data) {
+        out << "                " << to_utf8(key) << ":";
+        for (const char16_t* name : {u"name", u"width", u"length", u"units", u"version"}) {
+            const auto value = values.find(name);
+            if (value != values.end())
+                out << " " << to_utf8(name) << "=" << data_text(value->second);
+        }
+        out << "\n";
+    }
+}
+
+void print_spooler(std::ostream& out, const Outcome& outcome) {
+    const platform::SpoolerState& before = outcome.before.spooler;
+    const platform::SpoolerState& after = outcome.after.spooler;
+    for (const platform::PrinterDriver& driver : after.drivers)
+        if (!holds(before.drivers, driver))
+            out << "    driver    " << to_utf8(driver.name) << " " << version_text(driver.version) << "\n"
+                << "                " << to_utf8(driver.inf_path) << "\n";
+    for (const platform::PrintPort& port : after.ports)
+        if (!holds(before.ports, port))
+            out << "    port      " << to_utf8(port.name) << " (" << to_utf8(port.monitor) << "), address "
+                << to_utf8(port.host_address) << ", " << (port.protocol == 1 ? "RAW" : "not RAW")
+                << ", TCP port " << port.port_number << (port.snmp_enabled ? ", SNMP on" : ", SNMP off")
+                << "\n";
+    for (const platform::PrintQueue& queue : after.queues)
+        if (!holds(before.queues, queue))
+            print_queue(out, queue, queue.name == after.default_printer);
+    if (before.default_printer != after.default_printer)
+        out << "    default   " << (after.default_printer.empty() ? "none" : to_utf8(after.default_printer))
+            << "\n";
+}
+
+std::filesystem::path on_linux(const std::filesystem::path& drive_c, std::string path) {
+    path.erase(0, 3); // "C:\"
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return drive_c / path;
+}
+
+std::string read_bytes(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+} // namespace
+
+std::map<std::string, platform::LinkFile> read_shortcuts(const Outcome& outcome,
+                                                         const std::filesystem::path& drive_c) {
+    std::map<std::string, platform::LinkFile> links;
+    for (const auto& [path, file] : outcome.files_after) {
+        if (!was_made(outcome, path) || !path.ends_with(".lnk"))
+            continue;
+        std::string reason;
+        const auto link =
+            platform::read_link(read_bytes(on_linux(drive_c, path)), outcome.after.code_page, reason);
+        links[path] = link.value_or(platform::LinkFile{});
+    }
+    return links;
+}
+
+void print_machine(std::ostream& out, const Outcome& outcome, const std::filesystem::path& drive_c) {
+    out << "\n  == What the run left on the machine ==\n";
+    print_spooler(out, outcome);
+    const std::map<std::string, platform::LinkFile> links = read_shortcuts(outcome, drive_c);
+    for (const auto& [path, file] : outcome.files_after) {
+        if (!was_made(outcome, path))
+            continue;
+        out << "    " << (file.folder ? "folder    " : "file      ") << path;
+        if (!file.folder)
+            out << "  (" << file.size << " bytes)";
+        out << "\n";
+        const auto link = links.find(path);
+        if (link != links.end())
+            out << "                shortcut to " << to_utf8(link->second.target) << "\n                in "
+                << to_utf8(link->second.working_folder) << ", \"" << to_utf8(link->second.description)
+                << "\"\n";
+    }
+}
+
+} // namespace rehearsal

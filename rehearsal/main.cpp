@@ -1,0 +1,55 @@
+// trk: rehearses the setup program without Windows.
+#include "rehearsal/label_printer.h"
+#include "rehearsal/rehearse.h"
+
+#include <CLI/CLI.hpp>
+
+namespace {
+
+constexpr char version[] = "trk 0.0.0.36";
+
+constexpr char rehearse_footer[] =
+    R"(Exit status: 0 the run ended well; 1 a failure box, a failed step, or a script that couldn't
+be followed; 2 wrong usage or an unreadable file; 3 the program asked for what the layer doesn't model.
+
+Example:
+  trk rehearse --machine laptop.json --script install.actions samples/medium)";
+
+void add_rehearse(CLI::App& app, rehearsal::RehearseOptions& options) {
+    CLI::App* const command =
+        app.add_subcommand("rehearse", "Run the whole setup program against a simulated machine");
+    command->add_option("medium", options.medium, "The distribution folder")
+        ->required()
+        ->check(CLI::ExistingDirectory);
+    command->add_option("--machine", options.machine_file, "The machine before and, rewritten, after (JSON)")
+        ->check(CLI::ExistingFile);
+    command->add_option("--drive-c", options.drive_c, "The folder that its drive C is");
+    command->add_option("--script", options.script, "The user's actions, one a line")
+        ->check(CLI::ExistingFile);
+    command->add_option("--command-line", options.command_line, "What the program gets as arguments");
+    command->add_option("--report", options.report,
+                        "The outcome as JSON, to a file or to standard output with -");
+    command->add_flag("--quiet", options.quiet, "No running commentary");
+    command->footer(rehearse_footer);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app{"Rehearses the setup program of the label printers without Windows"};
+    app.set_version_flag("--version", version);
+    app.require_subcommand(1);
+    rehearsal::RehearseOptions rehearse_options;
+    add_rehearse(app, rehearse_options);
+    rehearsal::PrinterOptions printer_options;
+    rehearsal::add_printer(app, printer_options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        const int code = app.exit(error);
+        return code == 0 ? 0 : rehearsal::wrong_usage;
+    }
+    if (app.got_subcommand("rehearse"))
+        return rehearsal::rehearse(rehearse_options);
+    return rehearsal::run_printer(printer_options);
+}

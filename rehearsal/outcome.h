@@ -1,0 +1,36 @@
+// What came of a rehearsed run, and the judgement over it.
+#pragma once
+
+#include "calls/gate.h"
+#include "calls/user.h"
+#include "machine/machine.h"
+#include "rehearsal/drive_files.h"
+
+#include <string>
+#include <vector>
+
+namespace rehearsal {
+
+struct Outcome {
+    int exit_code = 0;
+    std::string refusal;                       // why the layer stopped the run; empty when it didn't
+    std::string problem;                       // why the user's script stopped; empty when it didn't
+    std::string log;                           // this run's part, UTF-8
+    std::vector<platform::DialogView> dialogs; // with their last texts
+    std::vector<platform::BoxView> boxes;
+    std::vector<std::string> misuses; // what the program did that the platform forbids
+    std::vector<std::string> leaks;   // handles and memory left open at the end
+    std::vector<platform::JournalEntry> journal;
+    platform::Machine before;
+    platform::Machine after;
+    DriveFiles files_before;
+    DriveFiles files_after;
+};
+
+// Lines of the log that tell of a failure, wherever the run then led, and the failure boxes.
+std::vector<std::string> find_failures(const Outcome& outcome);
+
+// Whether the path is new or changed.
+bool was_made(const Outcome& outcome, const std::string& path);
+
+} // namespace rehearsal

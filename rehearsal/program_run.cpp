@@ -1,0 +1,98 @@
+#include "rehearsal/program_run.h"
+
+#include "app/app_state.h"
+#include "calls/session.h"
+#include "calls/user_input.h"
+#include "machine/text.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <memory>
+
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR command_line, int show);
+
+namespace fs = std::filesystem;
+
+namespace rehearsal {
+namespace {
+
+// A folder that the machine has from the start.
+void make_folder(const fs::path& drive_c, const std::u16string& windows_path) {
+    std::string path = platform::to_utf8(windows_path).substr(3); // behind "C:\"
+    std::replace(path.begin(), path.end(), '\\', '/');
+    fs::create_directories(drive_c / path);
+}
+
+void prepare_drive(const platform::Machine& machine, const fs::path& drive_c) {
+    make_folder(drive_c, machine.folders.windows + u"\\Temp");
+    make_folder(drive_c, machine.folders.program_files);
+    make_folder(drive_c, machine.folders.common_programs);
+}
+
+// The program's state is that of a new process.
+void reset_program() {
+    std::destroy_at(&app);
+    std::construct_at(&app);
+}
+
+// What may be left when a process ends: the log's mutex, dialogs, modules, and what the end itself closes.
+bool may_stay_open(const std::string& kind) {
+    return kind == "mutex" || kind == "window" || kind == "cursor" || kind == "thread" || kind == "module";
+}
+
+void enter_program(platform::Session& session, const ProgramRun& run, Outcome& outcome) {
+    std::string arguments = run.command_line;
+    const HINSTANCE instance = GetModuleHandleW(nullptr);
+    try {
+        outcome.exit_code = WinMain(instance, nullptr, arguments.data(), SW_SHOWNORMAL);
+    } catch (const platform::RunStopped& stop) {
+        outcome.refusal = stop.what();
+    }
+    session.join_threads();
+    if (session.gate.stopped())
+        outcome.refusal = session.gate.stop_reason();
+}
+
+void look_at_session(platform::Session& session, Outcome& outcome) {
+    outcome.dialogs = platform::dialogs();
+    outcome.misuses = session.gate.misuses();
+    outcome.journal = session.gate.journal();
+    for (const std::string& kind : session.handles.open_kinds())
+        if (!may_stay_open(kind))
+            outcome.leaks.push_back(kind);
+    for (const std::string& block : session.memory.live())
+        outcome.leaks.push_back(block);
+}
+
+} // namespace
+
+Outcome run_program(const ProgramRun& run, platform::Machine& machine, platform::User& user,
+                    LogFollower& log) {
+    Outcome outcome;
+    prepare_drive(machine, run.drive_c);
+    outcome.before = machine;
+    outcome.files_before = list_drive(run.drive_c);
+    reset_program();
+    {
+        platform::SessionOptions options;
+        options.drive_c = run.drive_c;
+        options.medium = fs::absolute(run.medium);
+        options.resources = TRK_RESOURCE_FILE;
+        options.command_line = platform::to_utf16(run.command_line);
+        options.real_time = run.real_time;
+        platform::Session session(machine, options, user);
+        session.gate.on_call = run.on_call;
+        enter_program(session, run, outcome);
+        look_at_session(session, outcome);
+        log.take();
+        if (run.finished)
+            run.finished();
+    }
+    outcome.log = log.text();
+    outcome.after = machine;
+    outcome.files_after = list_drive(run.drive_c);
+    return outcome;
+}
+
+} // namespace rehearsal

@@ -1,0 +1,13 @@
+// The outcome of a rehearsal as JSON, for other programs.
+#pragma once
+
+#include "rehearsal/outcome.h"
+
+#include <filesystem>
+#include <string>
+
+namespace rehearsal {
+
+std::string report_text(const Outcome& outcome, int exit_status, const std::filesystem::path& drive_c);
+
+} // namespace rehearsal

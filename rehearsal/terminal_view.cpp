@@ -1,0 +1,173 @@
+#include "rehearsal/terminal_view.h"
+
+#include "calls/session.h"
+#include "calls/user_input.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace rehearsal {
+namespace {
+
+constexpr std::size_t longest_text = 240; // bytes of a control's text that are shown
+constexpr std::size_t most_lines = 4;
+
+// A control's text on one line, or on a few that stand below each other.
+std::string fold_text(const std::string& text) {
+    std::string out;
+    std::size_t lines = 1;
+    for (std::size_t place = 0; place < text.size(); ++place) {
+        const char letter = text[place];
+        if (letter == '\r')
+            continue;
+        const bool too_long = out.size() >= longest_text && (letter & 0xC0) != 0x80;
+        if (too_long || (letter == '\n' && ++lines > most_lines))
+            return out + " ... (" + std::to_string(text.size()) + " bytes in all)";
+        out += letter == '\n' ? std::string("\n                 | ") : std::string(1, letter);
+    }
+    while (!out.empty() && (out.back() == ' ' || out.back() == '|' || out.back() == '\n'))
+        out.pop_back();
+    return out;
+}
+
+std::string face(const platform::ControlView& control) {
+    if (control.kind == "button")
+        return "[ " + control.text + " ]";
+    if (control.kind == "default button")
+        return "[[ " + control.text + " ]]";
+    if (control.kind == "check box")
+        return (control.checked ? "[x] " : "[ ] ") + control.text;
+    if (control.kind == "picture")
+        return "(picture)";
+    if (control.kind == "edit")
+        return "| " + fold_text(control.text);
+    if (control.kind != "list")
+        return fold_text(control.text);
+    std::string rows = control.rows.empty() ? "(empty)" : "";
+    for (std::size_t row = 0; row < control.rows.size(); ++row) {
+        std::string text = control.rows[row];
+        std::replace(text.begin(), text.end(), '\t', ' ');
+        rows += (row == 0 ? "" : "\n                   ");
+        rows += (static_cast<int>(row) == control.selected ? "> " : "  ") + std::to_string(row) + ": " + text;
+    }
+    return rows;
+}
+
+std::string padded(std::string text, std::size_t width) {
+    text.resize(std::max(text.size(), width), ' ');
+    return text;
+}
+
+bool looks_alike(const platform::ControlView& a, const platform::ControlView& b) {
+    return a.text == b.text && a.visible == b.visible && a.enabled == b.enabled && a.checked == b.checked &&
+           a.rows == b.rows && a.selected == b.selected;
+}
+
+bool looks_alike(const platform::DialogView& a, const platform::DialogView& b) {
+    return a.caption == b.caption && a.visible == b.visible && a.enabled == b.enabled &&
+           std::equal(a.controls.begin(), a.controls.end(), b.controls.begin(), b.controls.end(),
+                      [](const auto& x, const auto& y) { return looks_alike(x, y); });
+}
+
+const platform::ControlView* find(const platform::DialogView* dialog, int id) {
+    if (dialog == nullptr)
+        return nullptr;
+    for (const platform::ControlView& control : dialog->controls)
+        if (control.id == id)
+            return &control;
+    return nullptr;
+}
+
+std::string hidden_controls(const std::vector<platform::ControlView>& controls) {
+    std::string line;
+    for (const platform::ControlView& control : controls) {
+        if (control.visible)
+            continue;
+        line += line.empty() ? "    hidden: " : ", ";
+        line += std::to_string(control.id) + " " + (control.text.empty() ? control.kind : control.text);
+        line += control.enabled ? "" : " (greyed)";
+    }
+    return line.empty() ? line : line + "\n";
+}
+
+} // namespace
+
+std::string draw_dialog(const platform::DialogView& dialog, const platform::DialogView* before) {
+    std::ostringstream out;
+    out << "\n  == Dialog " << dialog.id << ": " << dialog.caption << (dialog.enabled ? "" : "  (disabled)")
+        << " ==\n";
+    if (!dialog.visible) {
+        out << "     (closed)\n";
+        return out.str();
+    }
+    std::vector<platform::ControlView> controls = dialog.controls;
+    std::stable_sort(controls.begin(), controls.end(), [](const auto& a, const auto& b) {
+        constexpr int line_height = 8; // what stands this close to each other reads as one line
+        return std::pair(a.top / line_height, a.left) < std::pair(b.top / line_height, b.left);
+    });
+    for (const platform::ControlView& control : controls) {
+        if (!control.visible)
+            continue;
+        const platform::ControlView* const old = find(before, control.id);
+        const bool changed = before != nullptr && (old == nullptr || !looks_alike(*old, control));
+        out << (changed ? "   * " : "     ") << padded(std::to_string(control.id), 5)
+            << padded(control.enabled ? "" : "greyed", 7) << face(control) << "\n";
+    }
+    out << hidden_controls(dialog.controls);
+    return out.str();
+}
+
+void TerminalView::action(const std::string& shown) {
+    const std::lock_guard lock(mutex_);
+    if (!quiet_)
+        out_ << "\n  user: " << shown << "\n" << std::flush;
+}
+
+void TerminalView::box(const platform::BoxView& box) {
+    look();
+    const std::lock_guard lock(mutex_);
+    if (quiet_)
+        return;
+    constexpr std::uint32_t exclamation = 0x30;
+    const bool warning = (box.flags & 0xF0) == exclamation;
+    out_ << "\n  " << (warning ? "!! Warning box" : "## Message box") << ": " << box.caption << "\n";
+    std::istringstream lines(box.text);
+    for (std::string line; std::getline(lines, line);)
+        out_ << "     " << line << "\n";
+    out_ << "     [ OK ]\n" << std::flush;
+}
+
+void TerminalView::look() {
+    const std::lock_guard lock(mutex_);
+    print_log();
+    if (platform::current_thread_number() == 0)
+        print_dialogs();
+    out_ << std::flush;
+}
+
+void TerminalView::print_log() {
+    const std::string fresh = log.take();
+    if (quiet_)
+        return;
+    for (const char letter : fresh) {
+        if (letter == '\r')
+            continue;
+        if (at_line_start_)
+            out_ << "  log | ";
+        out_ << letter;
+        at_line_start_ = letter == '\n';
+    }
+}
+
+void TerminalView::print_dialogs() {
+    for (const platform::DialogView& dialog : platform::dialogs()) {
+        const auto known = last_.find(dialog.id);
+        if (known == last_.end() ? !dialog.visible : looks_alike(known->second, dialog))
+            continue;
+        if (!quiet_)
+            out_ << draw_dialog(dialog, known == last_.end() ? nullptr : &known->second);
+        last_[dialog.id] = dialog;
+    }
+}
+
+} // namespace rehearsal

@@ -1,0 +1,41 @@
+// What a rehearsal shows while it runs: the dialogs as they change, the user's actions, the boxes, the log as
+// it grows.
+#pragma once
+
+#include "calls/user.h"
+#include "rehearsal/log_follower.h"
+
+#include <map>
+#include <mutex>
+#include <ostream>
+#include <string>
+
+namespace rehearsal {
+
+// Text for one dialog: caption, what can be seen in reading order, and what is hidden. Lines that differ from
+// the same dialog's last text begin with an asterisk.
+std::string draw_dialog(const platform::DialogView& dialog, const platform::DialogView* before);
+
+class TerminalView {
+public:
+    TerminalView(std::ostream& out, bool quiet) : out_(out), quiet_(quiet) {}
+
+    void action(const std::string& shown);
+    void box(const platform::BoxView& box);
+    // Looks what is new. Dialogs are looked at on the main thread alone, while nothing is being changed.
+    void look();
+
+    LogFollower log;
+
+private:
+    void print_log();
+    void print_dialogs();
+
+    std::ostream& out_;
+    const bool quiet_;
+    std::mutex mutex_;
+    std::map<int, platform::DialogView> last_;
+    bool at_line_start_ = true;
+};
+
+} // namespace rehearsal
