@@ -33,7 +33,9 @@ TestSession::TestSession() {
     fs::create_directories(medium);
 }
 
-TestSession::~TestSession() { stop(); }
+TestSession::~TestSession() {
+    stop();
+}
 
 platform::Session& TestSession::start() {
     std::destroy_at(&app);
@@ -43,8 +45,9 @@ platform::Session& TestSession::start() {
     options.medium = medium;
     options.resources = TRK_RESOURCE_FILE;
     session_.emplace(machine, options, user);
-    app.log_handle = CreateFileW(TEXT("C:\\Windows\\Temp\\trk_install.log"), FILE_APPEND_DATA,
-                                 FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    app.log_handle =
+        CreateFileW(TEXT("C:\\Windows\\Temp\\trk_install.log"), FILE_APPEND_DATA,
+                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     return *session_;
 }
 
@@ -68,4 +71,6 @@ std::string TestSession::read(const fs::path& file) {
     return bytes.str();
 }
 
-std::string TestSession::log() const { return read(drive_c / "Windows" / "Temp" / "trk_install.log"); }
+std::string TestSession::log() const {
+    return read(drive_c / "Windows" / "Temp" / "trk_install.log");
+}
