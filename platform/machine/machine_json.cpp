@@ -1,0 +1,209 @@
+#include "machine/machine_json.h"
+
+#include "machine/json_forms.h"
+
+#include <fstream>
+#include <iterator>
+
+// The keys of all records, in the order in which they are written. Each list serves reading and writing.
+namespace platform {
+
+template <class Archive>
+void fields(Archive& archive, Fault& fault) {
+    archive.required("call", fault.call);
+    archive("nth", CountFromOne{fault.nth});
+    archive("from_then_on", fault.from_then_on);
+    archive("error", OptionalNumber{fault.error});
+    archive("argument", fault.argument);
+}
+
+template <class Archive>
+void fields(Archive& archive, SystemVersion& version) {
+    archive("major", version.major);
+    archive("minor", version.minor);
+    archive("build", version.build);
+}
+
+template <class Archive>
+void fields(Archive& archive, Folders& folders) {
+    archive("windows", folders.windows);
+    archive("program_files", folders.program_files);
+    archive("common_programs", folders.common_programs);
+}
+
+template <class Archive>
+void fields(Archive& archive, Adapter& adapter) {
+    archive("description", adapter.description);
+    archive("addresses", DottedAddresses{adapter.addresses});
+    archive("network", NetworkWord{adapter.real_sockets});
+    archive("searches", adapter.searches);
+}
+
+template <class Archive>
+void fields(Archive& archive, ServicePhase& phase) {
+    archive.required("state", StateName{phase.state});
+    archive("milliseconds", phase.milliseconds);
+    archive("wait_hint", phase.wait_hint);
+    archive("checkpoint", phase.checkpoint);
+    archive("exit_code", phase.exit_code);
+}
+
+template <class Archive>
+void fields(Archive& archive, Service& service) {
+    archive.required("name", service.name);
+    archive.required("now", service.now);
+    archive("on_stop", service.on_stop);
+    archive("on_start", service.on_start);
+    archive("stop_error", service.stop_error);
+    archive("start_error", service.start_error);
+    archive("dependents", service.dependents);
+}
+
+template <class Archive>
+void fields(Archive& archive, UsbInterface& usb) {
+    archive.required("device_path", usb.device_path);
+    archive("parent_id", usb.parent_id);
+    archive("compatible_drivers", usb.compatible_drivers);
+}
+
+template <class Archive>
+void fields(Archive& archive, ChildProgram& child) {
+    archive.required("name", child.name);
+    archive("runs_for_ms", child.runs_for_ms);
+    archive("exit_code", child.exit_code);
+}
+
+template <class Archive>
+void fields(Archive& archive, PrinterDriver& driver) {
+    archive.required("name", driver.name);
+    archive("environment", driver.environment);
+    archive("version", VersionText{driver.version});
+    archive("inf_path", driver.inf_path);
+}
+
+template <class Archive>
+void fields(Archive& archive, PrintQueue& queue) {
+    archive.required("name", queue.name);
+    archive.required("port", queue.port);
+    archive.required("driver", queue.driver);
+    archive("processor", queue.processor);
+    archive("datatype", queue.datatype);
+    archive("attributes", queue.attributes);
+    archive("jobs", queue.jobs);
+    archive("deleting", queue.deleting);
+    archive("deny_open", queue.deny_open);
+    archive("deny_delete", queue.deny_delete);
+    archive("data", queue.data);
+}
+
+template <class Archive>
+void fields(Archive& archive, PrintPort& port) {
+    archive.required("name", port.name);
+    archive.required("monitor", port.monitor);
+    archive("description", port.description);
+    archive("type", port.type);
+    archive("host_address", port.host_address);
+    archive("ip_address", port.ip_address);
+    archive("protocol", port.protocol);
+    archive("port_number", port.port_number);
+    archive("snmp_enabled", port.snmp_enabled);
+    archive("configuration", port.configuration);
+}
+
+template <class Archive>
+void fields(Archive& archive, PortMonitor& monitor) {
+    archive.required("name", monitor.name);
+    archive("environment", monitor.environment);
+    archive("dll", monitor.dll);
+    archive("standard_tcpip", monitor.standard_tcpip);
+    archive("configuration_size", monitor.configuration_size);
+}
+
+template <class Archive>
+void fields(Archive& archive, StoredPackage& package) {
+    archive.required("inf_path", package.inf_path);
+    archive("deny_delete", package.deny_delete);
+}
+
+template <class Archive>
+void fields(Archive& archive, SpoolerState& spooler) {
+    archive("drivers", spooler.drivers);
+    archive("queues", spooler.queues);
+    archive("ports", spooler.ports);
+    archive("monitors", spooler.monitors);
+    archive("processors", spooler.processors);
+    archive("packages", spooler.packages);
+    archive("default_printer", spooler.default_printer);
+}
+
+template <class Archive>
+void fields(Archive& archive, Machine& machine) {
+    archive("version", machine.version);
+    archive("code_page", CodePageNumber{machine.code_page});
+    archive("locale", machine.locale_abbreviation);
+    archive("ui_language", machine.ui_language);
+    archive("wow64", machine.wow64);
+    archive("clock", ClockText{machine.clock});
+    archive("folders", machine.folders);
+    archive("current_folder", machine.current_folder);
+    archive("program_name", machine.program_name);
+    archive("environment", machine.environment);
+    archive("registry", machine.registry);
+    archive("spooler", machine.spooler);
+    archive("services", machine.services);
+    archive("usb_interfaces", machine.usb_interfaces);
+    archive("adapters", machine.adapters);
+    archive("discovery_port_taken", machine.discovery_port_taken);
+    archive("child_programs", machine.child_programs);
+    archive("missing_strings", machine.missing_strings);
+    archive("missing_functions", machine.missing_functions);
+    archive("faults", machine.faults);
+}
+
+Machine parse_machine(std::string_view text, const std::string& file) {
+    try {
+        const JsonDocument document = parse_json(text);
+        Machine machine = default_machine();
+        from_json_value(JsonPlace{document, document.root, ""}, machine);
+        return machine;
+    } catch (const JsonError& error) {
+        throw MachineFileError(file, error.line, error.what());
+    }
+}
+
+std::string machine_text(const Machine& machine) {
+    Machine copy = machine; // the lists of fields take what they could also read into
+    return json_value(copy).dump(2) + "\n";
+}
+
+Machine load_machine(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    const std::string text((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+    if (!stream)
+        throw MachineFileError(file.string(), 0, "can't be read");
+    return parse_machine(text, file.string());
+}
+
+void save_machine(const Machine& machine, const std::filesystem::path& file) {
+    std::string text;
+    try {
+        text = machine_text(machine);
+    } catch (const JsonError& error) {
+        throw MachineFileError(file.string(), 0, error.what());
+    }
+    std::filesystem::path fresh = file;
+    fresh += ".new";
+    std::ofstream stream(fresh, std::ios::binary);
+    stream << text;
+    stream.close();
+    std::error_code problem;
+    if (stream)
+        std::filesystem::rename(fresh, file, problem);
+    if (!stream || problem) {
+        std::error_code ignored;
+        std::filesystem::remove(fresh, ignored);
+        throw MachineFileError(file.string(), 0, "can't be written");
+    }
+}
+
+} // namespace platform

@@ -1,0 +1,33 @@
+// The machine as a file: JSON with a key for each thing that the machine holds, described in docs/rehearsal.md.
+// A key that is missing leaves what the default machine has; an unknown key, a wrong type or a value outside
+// its range is an error.
+#pragma once
+
+#include "machine/machine.h"
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace platform {
+
+// what() is "<file>:<line>: <reason>", or "<file>: <reason>" where there is no line to name.
+struct MachineFileError : std::runtime_error {
+    MachineFileError(const std::string& file, unsigned line_number, const std::string& why)
+        : std::runtime_error(file + (line_number == 0 ? "" : ":" + std::to_string(line_number)) + ": " + why),
+          line(line_number), reason(why) {}
+    unsigned line; // from 1; 0 when the error has no place
+    std::string reason;
+};
+
+// The file's name is only for messages.
+Machine parse_machine(std::string_view text, const std::string& file);
+std::string machine_text(const Machine& machine);
+
+Machine load_machine(const std::filesystem::path& file);
+// Writes a new file beside the old one and renames it over it, so that the old one stays whole until then.
+// What is saved loads as the very same machine.
+void save_machine(const Machine& machine, const std::filesystem::path& file);
+
+} // namespace platform
