@@ -45,17 +45,19 @@ std::string ansi_to_utf8(std::string_view bytes, std::uint32_t code_page) {
     return platform::to_utf8(text);
 }
 
+void LogFollower::find() {
+    if (!file_.empty())
+        return;
+    file_ = open_log_file();
+    if (file_.empty())
+        return;
+    // Earlier runs' lines stand in front of this one's.
+    seen_ = std::filesystem::file_size(file_);
+}
+
 std::string LogFollower::take() {
-    if (file_.empty()) {
-        file_ = open_log_file();
-        if (file_.empty())
-            return {};
-        // Earlier runs' lines stand in front of the banner, with which this run begins.
-        std::ifstream stream(file_, std::ios::binary);
-        const std::string whole{std::istreambuf_iterator<char>(stream), {}};
-        const std::size_t banner = whole.rfind("\r\nVorlane Installer ");
-        seen_ = banner == std::string::npos ? whole.size() : banner;
-    }
+    if (file_.empty())
+        return {};
     std::ifstream stream(file_, std::ios::binary);
     stream.seekg(static_cast<std::streamoff>(seen_));
     const std::string fresh{std::istreambuf_iterator<char>(stream), {}};

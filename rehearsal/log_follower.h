@@ -13,7 +13,9 @@ std::string ansi_to_utf8(std::string_view bytes, std::uint32_t code_page);
 
 class LogFollower {
 public:
-    // What the log holds beyond the last call, as UTF-8; nothing until the program has opened one.
+    // Remembers the program's open log; to be called while it is open, on the main thread.
+    void find();
+    // What the log holds beyond the last call, as UTF-8; nothing until it was found.
     std::string take();
     const std::string& text() const { return text_; } // all that was taken
 

@@ -82,7 +82,13 @@ Outcome run_program(const ProgramRun& run, platform::Machine& machine, platform:
         options.command_line = platform::to_utf16(run.command_line);
         options.real_time = run.real_time;
         platform::Session session(machine, options, user);
-        session.gate.on_call = run.on_call;
+        session.gate.on_call = [&](const platform::JournalEntry& entry) {
+            // The first thing done with the open log; nothing is in it yet of this run.
+            if (entry.call == "WriteFile" && entry.thread == 0)
+                log.find();
+            if (run.on_call)
+                run.on_call(entry);
+        };
         enter_program(session, run, outcome);
         look_at_session(session, outcome);
         log.take();
