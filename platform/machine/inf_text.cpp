@@ -91,10 +91,11 @@ bool InfText::parse_line(std::u16string_view line) {
         return true;
     }
     bool open = false;
-    InfLine entry;
-    const std::size_t equals = find_outside_quotes(line, u"=", open);
+    find_outside_quotes(line, u"", open);
     if (open || current_ == 0)
         return false;
+    InfLine entry;
+    const std::size_t equals = find_outside_quotes(line, u"=", open);
     if (equals < line.size()) {
         entry.key = unquoted(trimmed(line.substr(0, equals)));
         line.remove_prefix(equals + 1);
