@@ -62,7 +62,7 @@ LRESULT SendDlgItemMessageW(HWND dialog, int id, UINT message, WPARAM wparam, LP
 }
 
 BOOL GetMessageW(LPMSG message, HWND window, UINT first, UINT last) {
-    Call call("GetMessageW");
+    Call call("GetMessageW", window == nullptr ? "any window" : "one window");
     require_main_thread(call);
     require_no_filter(call, window, first, last);
     if (call.fails(ERROR_INVALID_WINDOW_HANDLE))

@@ -30,6 +30,11 @@ struct MutexList {
     std::vector<std::weak_ptr<MutexObject>> mutexes;
 };
 
+std::string kind_of(HANDLE handle) {
+    const auto object = session().handles.peek(handle);
+    return object ? object->kind() : "no object";
+}
+
 DWORD take(MutexObject& mutex) {
     mutex.owner = current_thread_number();
     ++mutex.depth;
@@ -101,7 +106,7 @@ HANDLE CreateMutexW(SECURITY_ATTRIBUTES* security, BOOL owned, LPCWSTR name) {
 }
 
 BOOL ReleaseMutex(HANDLE handle) {
-    Call call("ReleaseMutex");
+    Call call("ReleaseMutex", kind_of(handle));
     if (call.fails(ERROR_NOT_OWNER))
         return FALSE;
     const auto mutex = session().handles.find<MutexObject>(handle);
@@ -122,11 +127,11 @@ BOOL ReleaseMutex(HANDLE handle) {
 }
 
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
-    const auto object = session().handles.peek(handle);
-    Call call("WaitForSingleObject", object ? object->kind() : "");
+    Call call("WaitForSingleObject", kind_of(handle));
     if (call.fails(ERROR_INVALID_HANDLE))
         return WAIT_FAILED;
-    if (!session().handles.find<Object>(handle)) {
+    const auto object = session().handles.find<Object>(handle);
+    if (!object) {
         set_last_error(ERROR_INVALID_HANDLE);
         return WAIT_FAILED;
     }

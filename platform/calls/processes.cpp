@@ -140,10 +140,11 @@ BOOL CreateProcessW(LPCWSTR application, LPWSTR command_line, SECURITY_ATTRIBUTE
 }
 
 BOOL GetExitCodeProcess(HANDLE handle, LPDWORD exit_code) {
-    Call call("GetExitCodeProcess");
+    const bool self = handle == current_process();
+    Call call("GetExitCodeProcess", self ? "this process" : "child process");
     if (call.fails(ERROR_INVALID_HANDLE))
         return FALSE;
-    if (handle == current_process()) {
+    if (self) {
         *exit_code = STILL_ACTIVE;
         return TRUE;
     }

@@ -107,29 +107,26 @@ void Session::join_threads() {
 
 using namespace platform;
 
-std::uintptr_t _beginthread(void (*start)(void*), unsigned, void* argument) {
-    Call call("_beginthread");
+std::uintptr_t _beginthread(void (*start)(void*), unsigned stack_size, void* argument) {
+    Call call("_beginthread", std::to_string(stack_size));
     if (call.fails(ERROR_NOT_ENOUGH_MEMORY)) {
         errno = EAGAIN;
         return static_cast<std::uintptr_t>(-1);
     }
-    const auto thread = std::make_shared<ThreadObject>();
-    void* const handle = session().handles.open(thread);
-    const auto ended = [thread, handle] {
-        thread->ended = true;
-        session().handles.close(handle);
-    };
-    if (run_threads().start([start, argument] { start(argument); }, ended) == 0) {
-        session().handles.close(handle);
+    if (run_threads().start([start, argument] { start(argument); }, [] {}) == 0) {
         errno = EAGAIN;
         return static_cast<std::uintptr_t>(-1);
     }
+    // The thread closes its handle when it ends, which may be before the caller looks at it; here it always
+    // is.
+    void* const handle = session().handles.open(std::make_shared<ThreadObject>());
+    session().handles.close(handle);
     return reinterpret_cast<std::uintptr_t>(handle);
 }
 
-std::uintptr_t _beginthreadex(void* security, unsigned, unsigned (*start)(void*), void* argument,
+std::uintptr_t _beginthreadex(void* security, unsigned stack_size, unsigned (*start)(void*), void* argument,
                               unsigned flags, unsigned* thread_id) {
-    Call call("_beginthreadex");
+    Call call("_beginthreadex", std::to_string(stack_size));
     if (security != nullptr || flags != 0)
         call.refuse("only a thread that runs at once, without security attributes, is modelled");
     if (call.fails(ERROR_NOT_ENOUGH_MEMORY)) {
