@@ -33,10 +33,11 @@ bool starts_with_drive_root(std::u16string_view path) {
     return has_drive(path) && path.size() > 2 && path[2] == u'\\';
 }
 
-std::vector<std::u16string> split(std::u16string_view path) {
+// Behind the prefix a slash is no separator, but a letter that no name may hold.
+std::vector<std::u16string> split(std::u16string_view path, bool slashes) {
     std::vector<std::u16string> names(1);
     for (const char16_t c : path) {
-        if (is_separator(c))
+        if (c == u'\\' || (slashes && c == u'/'))
             names.emplace_back();
         else
             names.back() += c;
@@ -67,7 +68,7 @@ std::u16string absolute(std::u16string_view path) {
 }
 
 void fold(PlainPath& plain, std::u16string_view path, bool pattern) {
-    std::vector<std::u16string> names = split(path);
+    std::vector<std::u16string> names = split(path, true);
     for (std::size_t index = 0; index < names.size(); ++index) {
         const std::u16string& name = names[index];
         const bool last = index + 1 == names.size();
@@ -134,7 +135,7 @@ PlainPath parse(std::u16string_view path, bool pattern) {
     if (!unparsed) {
         fold(plain, rest, pattern);
     } else if (rest != u"\\") {
-        plain.names = split(rest.substr(1));
+        plain.names = split(rest.substr(1), false);
         if (plain.folder_wanted)
             plain.names.pop_back();
     }
