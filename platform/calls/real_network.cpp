@@ -66,20 +66,9 @@ bool set(int descriptor, int level, int option, const void* value, socklen_t len
     return setsockopt(descriptor, level, option, value, length) == 0;
 }
 
-// A table that can't be read counts as one with a default route.
-bool has_default_route() {
+bool has_way_out() {
     std::ifstream table("/proc/net/route");
-    std::string line;
-    if (!std::getline(table, line))
-        return true;
-    while (std::getline(table, line)) {
-        std::istringstream fields(line);
-        std::string interface_name, destination, gateway, flags, references, uses, metric, mask;
-        fields >> interface_name >> destination >> gateway >> flags >> references >> uses >> metric >> mask;
-        if (destination == "00000000" && mask == "00000000")
-            return true;
-    }
-    return false;
+    return lists_way_out(table);
 }
 
 std::string interface_of(std::uint32_t address) {
@@ -99,12 +88,26 @@ std::string interface_of(std::uint32_t address) {
 
 } // namespace
 
+bool lists_way_out(std::istream& table) {
+    std::string line;
+    if (!std::getline(table, line)) // the headings
+        return true;
+    while (std::getline(table, line)) {
+        std::istringstream fields(line);
+        std::string interface_name, destination, gateway, flags;
+        fields >> interface_name >> destination >> gateway >> flags;
+        if (destination == "00000000" || gateway != "00000000")
+            return true;
+    }
+    return false;
+}
+
 std::string why_unsafe(std::uint32_t address) {
     if (is_loopback(address))
         return {};
-    if (has_default_route())
+    if (has_way_out())
         return "real traffic from " + dotted(address) +
-               " could leave this computer: its network namespace has a default route";
+               " could leave this computer: its network namespace has a route to elsewhere";
     const std::string name = interface_of(address);
     if (!name.empty() && !name.starts_with(own_interface_prefix))
         return "real traffic from " + dotted(address) + " would use the interface " + name +
@@ -128,7 +131,7 @@ SocketError RealSocket::bind(const Endpoint& local, const SocketOptions& options
     const int on = 1;
     if (options.reuse_address && !set(descriptor_, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on))
         return from_errno(errno);
-    if (any && has_default_route() && !set(descriptor_, SOL_SOCKET, SO_BINDTODEVICE, "lo", 2))
+    if (any && has_way_out() && !set(descriptor_, SOL_SOCKET, SO_BINDTODEVICE, "lo", 2))
         return from_errno(errno);
     sockaddr_in address = to_native(local);
     if (::bind(descriptor_, generic(address), sizeof address) != 0)

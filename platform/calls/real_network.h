@@ -4,6 +4,8 @@
 
 #include "calls/transport.h"
 
+#include <iosfwd>
+
 namespace platform {
 
 class RealSocket : public Transport {
@@ -25,8 +27,12 @@ private:
 };
 
 // Why real traffic from this address might leave the computer; empty when it can't. Two things are asked of
-// an address that isn't loopback: this network namespace has no default route, and the address is that of an
-// interface whose name begins with "trk", as the rehearsal names those that it makes.
+// an address that isn't loopback: no route of this network namespace leads elsewhere, and the address is that
+// of an interface whose name begins with "trk", as the rehearsal names those that it makes.
 std::string why_unsafe(std::uint32_t address);
+
+// Whether a table in the form of /proc/net/route has a route to elsewhere, a default one or one by a gateway.
+// One that can't be read counts as having one.
+bool lists_way_out(std::istream& table);
 
 } // namespace platform
