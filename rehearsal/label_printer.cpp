@@ -168,6 +168,8 @@ void LabelPrinter::State::answer(const Descriptor& incoming) {
         lines << "a search that isn't for this printer from " << sender_of(sender) << std::endl;
         return;
     }
+    if (options.delay != 0)
+        poll(nullptr, 0, static_cast<int>(options.delay));
     const std::vector<std::uint8_t> reply = platform::attribute_reply(*request, printer_attributes(options));
     const ssize_t sent = sendto(own.get(), reply.data(), reply.size(), MSG_NOSIGNAL, from, length);
     if (sent < 0) {

@@ -25,6 +25,7 @@ struct PrinterOptions {
     std::uint16_t discovery_port = 427; // 0: any free one, as the ready line tells
     std::uint16_t raw_port = 9100;      // likewise
     std::filesystem::path save;         // folder for the jobs' bytes; empty: they are only counted
+    unsigned delay = 0;                 // milliseconds that pass before an answer goes out
     unsigned count = 0;                 // end after so many answers; 0: no such limit
     unsigned seconds = 600;             // end after so long without any event
 };

@@ -57,6 +57,8 @@ void add_printer(CLI::App& app, PrinterOptions& options) {
         ->capture_default_str();
     command->add_option("--save", options.save, "Folder to keep the jobs' bytes in")
         ->check(CLI::ExistingDirectory);
+    command->add_option("--delay", options.delay, "Milliseconds before an answer goes out")
+        ->check(CLI::Range(0u, 60000u));
     command->add_option("--count", options.count, "End after so many answered searches");
     command->add_option("--seconds", options.seconds, "End after so long without any event")
         ->capture_default_str()

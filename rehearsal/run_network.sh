@@ -6,17 +6,19 @@
 # TRK is the tool, which also is the printers. The command finds in its environment
 #   TRK_NETWORK          namespaces or loopback
 #   TRK_PROGRAM_ADDRESS  the address to search from: 10.77.0.2 or 127.0.0.1
-# and its exit status is this script's. Everything ends with it: the printers, and the two network namespaces that
-# they and the command live in, which have no names and no way out. No packet reaches a card of this computer. Where
-# namespaces aren't permitted the printers are on loopback addresses, and port 427 then needs root's rights.
+# and its exit status is this script's. Everything ends with it: the printers, and the two network namespaces
+# that they and the command live in, which have no names and no way out. No packet reaches a card of this
+# computer. Where namespaces aren't permitted the printers are on loopback addresses, and port 427 then needs
+# root's rights.
 set -euo pipefail
 
 readonly ready_timeout=20 # seconds; far above what a step of the set-up takes
 
 say() { echo "network: $*" >&2; }
 
-# The printers, as options of trk printer: two of the sample medium's model, one of another, one agent that answers
-# but has nothing to offer. Their addresses end in 11 and the numbers behind it.
+# The printers, as options of trk printer: two of the sample medium's model, one of another, one agent that
+# answers but has nothing to offer. Their addresses end in 11 and the numbers behind it. Each answers a little
+# later than the one before it, so that the order of the list is the same in every run.
 readonly printer_count=4
 printer_options() {
     case $1 in
@@ -32,9 +34,10 @@ outputs=()
 start_printer() { # NUMBER ADDRESS PREFIX...
     local -a options
     printer_options "$1"
-    local address=$2 output ready
+    local address=$2 delay=$((100 * $1)) output ready
     shift 2
-    exec {output}< <(exec "$@" "$trk" printer --address "$address" --seconds 3600 "${options[@]}")
+    options+=(--address "$address" --delay "$delay" --seconds 3600)
+    exec {output}< <(exec "$@" "$trk" printer "${options[@]}")
     pids+=($!)
     outputs+=("$output")
     if ! read -r -t "$ready_timeout" ready <&"$output" || [[ $ready != ready* ]]; then
@@ -75,7 +78,8 @@ hold_printer_namespace() {
     read -r -t "$ready_timeout" answer <&"${HOLDER[0]}"
 }
 
-# Begun again inside the program's namespace. Interfaces that the layer may use for real traffic begin with "trk".
+# Begun again inside the program's namespace. The layer uses only interfaces whose names begin with "trk" for
+# real traffic.
 run_in_namespaces() {
     hold_printer_namespace
     local -a among_printers=(nsenter "--net=/proc/$holder/ns/net" --)
