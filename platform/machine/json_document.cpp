@@ -87,7 +87,8 @@ private:
     std::vector<Level> levels_;
 };
 
-// The parser's own message names line and column once more, and the rule of its grammar; the rest says enough.
+// The parser's own message names line and column once more, and the rule of its grammar; the rest says
+// enough.
 std::string short_reason(const std::string& message) {
     const std::size_t start = message.find(": ", message.find("parse error at"));
     return start == std::string::npos ? message : message.substr(start + 2);
@@ -112,9 +113,11 @@ JsonDocument parse_json(std::string_view text) {
         return true;
     };
     try {
-        document.root = Json::parse(CountingIterator(begin, &reached), CountingIterator(end, &reached), follow);
+        document.root =
+            Json::parse(CountingIterator(begin, &reached), CountingIterator(end, &reached), follow);
     } catch (const Json::parse_error& error) {
-        throw JsonError(line_of(begin, begin + std::min(error.byte, text.size())), short_reason(error.what()));
+        throw JsonError(line_of(begin, begin + std::min(error.byte, text.size())),
+                        short_reason(error.what()));
     }
     return document;
 }

@@ -14,7 +14,8 @@ using Json = nlohmann::ordered_json;
 
 // Where something is wrong with a document.
 struct JsonError : std::runtime_error {
-    JsonError(unsigned line_number, const std::string& reason) : std::runtime_error(reason), line(line_number) {}
+    JsonError(unsigned line_number, const std::string& reason)
+        : std::runtime_error(reason), line(line_number) {}
     unsigned line; // from 1
 };
 

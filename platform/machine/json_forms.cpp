@@ -11,8 +11,10 @@
 namespace platform {
 namespace {
 
-// The numbers at each 'n' of the shape, whose other characters stand for themselves; nothing for another text.
-std::optional<std::vector<unsigned>> numbers_of(std::string_view text, std::string_view shape, unsigned largest) {
+// The numbers at each 'n' of the shape, whose other characters stand for themselves; nothing for another
+// text.
+std::optional<std::vector<unsigned>> numbers_of(std::string_view text, std::string_view shape,
+                                                unsigned largest) {
     std::vector<unsigned> numbers;
     const char* place = text.data();
     const char* end = place + text.size();
@@ -54,7 +56,9 @@ constexpr std::string_view states[] = {"unknown", "stopped",          "start_pen
 enum : std::uint32_t { type_sz = 1, type_expand_sz = 2, type_binary = 3, type_dword = 4 };
 constexpr std::string_view types[] = {"none", "sz", "expand_sz", "binary", "dword"};
 
-bool is_text(std::uint32_t type) { return type == type_sz || type == type_expand_sz; }
+bool is_text(std::uint32_t type) {
+    return type == type_sz || type == type_expand_sz;
+}
 
 std::vector<std::uint8_t> text_bytes(std::u16string_view text) {
     std::vector<std::uint8_t> bytes;
@@ -79,7 +83,7 @@ std::optional<Json> readable(std::uint32_t type, const std::vector<std::uint8_t>
     for (std::size_t index = 0; index + 2 < bytes.size(); index += 2)
         text += static_cast<char16_t>(bytes[index] | (bytes[index + 1] << 8));
     const std::string utf8 = to_utf8(text);
-    const bool exact = text.find(u'\0') == std::u16string::npos && text_bytes(to_utf16(utf8)) == bytes;
+    const bool exact = text_bytes(to_utf16(utf8)) == bytes;
     return exact ? std::optional<Json>(utf8) : std::nullopt;
 }
 
@@ -112,9 +116,11 @@ struct TypeName {
     std::uint32_t& type;
 };
 
-void from_json_value(const JsonPlace& place, const TypeName& form) { form.type = number_of(place, types); }
+void from_json_value(const JsonPlace& place, const TypeName& form) {
+    form.type = number_of(place, types);
+}
 
-template <class Value>
+template<class Value>
 void read_typed(const JsonPlace& place, Value& value) {
     JsonReader reader(place);
     reader.required("type", TypeName{value.type});
@@ -126,7 +132,7 @@ void read_typed(const JsonPlace& place, Value& value) {
     reader.finish({"value"});
 }
 
-template <class Value>
+template<class Value>
 Json write_typed(const Value& value) {
     Json object{{"type", word_of(value.type, types)}};
     if (const auto form = readable(value.type, value.data))
@@ -169,7 +175,9 @@ void from_json_value(const JsonPlace& place, const DottedAddress& form) {
         place.fail("must be an address like \"10.0.0.7\"");
 }
 
-Json json_value(const DottedAddress& form) { return json_value(form.text); }
+Json json_value(const DottedAddress& form) {
+    return json_value(form.text);
+}
 
 void from_json_value(const JsonPlace& place, const DottedAddresses& form) {
     from_json_value(place, form.list);
@@ -177,7 +185,9 @@ void from_json_value(const JsonPlace& place, const DottedAddresses& form) {
         from_json_value(place.at(std::to_string(index), place.value[index]), DottedAddress{form.list[index]});
 }
 
-Json json_value(const DottedAddresses& form) { return json_value(form.list); }
+Json json_value(const DottedAddresses& form) {
+    return json_value(form.list);
+}
 
 void from_json_value(const JsonPlace& place, const ClockText& form) {
     from_json_value(place, form.text);
@@ -192,7 +202,9 @@ void from_json_value(const JsonPlace& place, const ClockText& form) {
         place.fail("must be a local time like \"2024-07-04T09:05:01\", or empty for the real one");
 }
 
-Json json_value(const ClockText& form) { return json_value(form.text); }
+Json json_value(const ClockText& form) {
+    return json_value(form.text);
+}
 
 void from_json_value(const JsonPlace& place, const CodePageNumber& form) {
     constexpr std::uint32_t known[] = {932, 936, 949, 950, 1250, 1251, 1252, 65001};
@@ -201,11 +213,17 @@ void from_json_value(const JsonPlace& place, const CodePageNumber& form) {
         place.fail("must be 932, 936, 949, 950, 1250, 1251, 1252 or 65001");
 }
 
-Json json_value(const CodePageNumber& form) { return form.number; }
+Json json_value(const CodePageNumber& form) {
+    return form.number;
+}
 
-void from_json_value(const JsonPlace& place, const StateName& form) { form.state = number_of(place, states); }
+void from_json_value(const JsonPlace& place, const StateName& form) {
+    form.state = number_of(place, states);
+}
 
-Json json_value(const StateName& form) { return word_of(form.state, states); }
+Json json_value(const StateName& form) {
+    return word_of(form.state, states);
+}
 
 void from_json_value(const JsonPlace& place, const NetworkWord& form) {
     std::string text;
@@ -215,7 +233,9 @@ void from_json_value(const JsonPlace& place, const NetworkWord& form) {
     form.real = text == "real";
 }
 
-Json json_value(const NetworkWord& form) { return form.real ? "real" : "scripted"; }
+Json json_value(const NetworkWord& form) {
+    return form.real ? "real" : "scripted";
+}
 
 void from_json_value(const JsonPlace& place, const CountFromOne& form) {
     form.number = number_from_json(place, UINT32_MAX);
@@ -223,21 +243,37 @@ void from_json_value(const JsonPlace& place, const CountFromOne& form) {
         place.fail("is counted from 1");
 }
 
-Json json_value(const CountFromOne& form) { return form.number; }
+Json json_value(const CountFromOne& form) {
+    return form.number;
+}
 
 void from_json_value(const JsonPlace& place, const OptionalNumber& form) {
     form.number = number_from_json(place, UINT32_MAX);
 }
 
-Json json_value(const OptionalNumber& form) { return form.number ? Json(*form.number) : Json(); }
+Json json_value(const OptionalNumber& form) {
+    return form.number ? Json(*form.number) : Json();
+}
 
-void from_json_value(const JsonPlace& place, RegistryValue& value) { read_typed(place, value); }
-void from_json_value(const JsonPlace& place, PrinterDataValue& value) { read_typed(place, value); }
-Json json_value(const RegistryValue& value) { return write_typed(value); }
-Json json_value(const PrinterDataValue& value) { return write_typed(value); }
+void from_json_value(const JsonPlace& place, RegistryValue& value) {
+    read_typed(place, value);
+}
+void from_json_value(const JsonPlace& place, PrinterDataValue& value) {
+    read_typed(place, value);
+}
+Json json_value(const RegistryValue& value) {
+    return write_typed(value);
+}
+Json json_value(const PrinterDataValue& value) {
+    return write_typed(value);
+}
 
-void from_json_value(const JsonPlace& place, UsbDriverEntry& value) { from_json_value(place, value.description); }
-Json json_value(const UsbDriverEntry& value) { return json_value(value.description); }
+void from_json_value(const JsonPlace& place, UsbDriverEntry& value) {
+    from_json_value(place, value.description);
+}
+Json json_value(const UsbDriverEntry& value) {
+    return json_value(value.description);
+}
 
 void from_json_value(const JsonPlace& place, ScriptedDatagram& value) {
     JsonReader reader(place);

@@ -71,8 +71,8 @@ Json json_value(const NetworkWord& form);
 Json json_value(const CountFromOne& form);
 Json json_value(const OptionalNumber& form);
 
-// {"type": "sz" | "expand_sz" | "dword" | "binary", "value": ...}; a text without exactly one terminator, a dword
-// of another size and any other type have "hex" in place of "value".
+// {"type": "sz" | "expand_sz" | "dword" | "binary", "value": ...}; a text that lacks its terminator or isn't
+// well-formed, a dword of another size and any other type have "hex" in place of "value".
 void from_json_value(const JsonPlace& place, RegistryValue& value);
 void from_json_value(const JsonPlace& place, PrinterDataValue& value);
 Json json_value(const RegistryValue& value);

@@ -5,9 +5,9 @@
 namespace platform {
 namespace {
 
-constexpr std::uint32_t expandable_text = 2;      // REG_EXPAND_SZ
-constexpr std::uint32_t port_write_read = 3;      // PORT_TYPE_WRITE and PORT_TYPE_READ
-constexpr std::uint32_t local_printer = 0x40;     // PRINTER_ATTRIBUTE_LOCAL
+constexpr std::uint32_t expandable_text = 2;  // REG_EXPAND_SZ
+constexpr std::uint32_t port_write_read = 3;  // PORT_TYPE_WRITE and PORT_TYPE_READ
+constexpr std::uint32_t local_printer = 0x40; // PRINTER_ATTRIBUTE_LOCAL
 constexpr std::uint32_t start_pending = 2;
 constexpr std::uint32_t stop_pending = 3;
 constexpr std::uint32_t running = 4;
@@ -52,11 +52,13 @@ PortMonitor monitor(std::u16string_view name, std::u16string_view dll) {
 
 SpoolerState default_spooler() {
     SpoolerState state;
-    state.monitors = {monitor(u"Local Port", u"localspl.dll"), monitor(u"Standard TCP/IP Port", u"tcpmon.dll"),
+    state.monitors = {monitor(u"Local Port", u"localspl.dll"),
+                      monitor(u"Standard TCP/IP Port", u"tcpmon.dll"),
                       monitor(u"USB Monitor", u"usbmon.dll")};
     state.monitors[1].standard_tcpip = true;
     state.processors = {u"winprint"};
-    state.ports = {local_port(u"LPT1:"), local_port(u"COM1:"), local_port(u"FILE:"), local_port(u"PORTPROMPT:")};
+    state.ports = {local_port(u"LPT1:"), local_port(u"COM1:"), local_port(u"FILE:"),
+                   local_port(u"PORTPROMPT:")};
 
     PrinterDriver driver;
     driver.name = u"Generic / Text Only";

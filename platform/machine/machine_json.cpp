@@ -8,7 +8,7 @@
 // The keys of all records, in the order in which they are written. Each list serves reading and writing.
 namespace platform {
 
-template <class Archive>
+template<class Archive>
 void fields(Archive& archive, Fault& fault) {
     archive.required("call", fault.call);
     archive("nth", CountFromOne{fault.nth});
@@ -17,21 +17,21 @@ void fields(Archive& archive, Fault& fault) {
     archive("argument", fault.argument);
 }
 
-template <class Archive>
+template<class Archive>
 void fields(Archive& archive, SystemVersion& version) {
     archive("major", version.major);
     archive("minor", version.minor);
     archive("build", version.build);
 }
 
-template <class Archive>
+template<class Archive>
 void fields(Archive& archive, Folders& folders) {
     archive("windows", folders.windows);
     archive("program_files", folders.program_files);
     archive("common_programs", folders.common_programs);
 }
 
-template <class Archive>
+template<class Archive>
 void fields(Archive& archive, Adapter& adapter) {
     archive("description", adapter.description);
     archive("addresses", DottedAddresses{adapter.addresses});
@@ -39,7 +39,7 @@ void fields(Archive& archive, Adapter& adapter) {
     archive("searches", adapter.searches);
 }
 
-template <class Archive>
+template<class Archive>
 void fields(Archive& archive, ServicePhase& phase) {
     archive.required("state", StateName{phase.state});
     archive("milliseconds", phase.milliseconds);
@@ -48,7 +48,7 @@ void fields(Archive& archive, ServicePhase& phase) {
     archive("exit_code", phase.exit_code);
 }
 
-template <class Archive>
+template<class Archive>
 void fields(Archive& archive, Service& service) {
     archive.required("name", service.name);
     archive.required("now", service.now);
@@ -59,21 +59,21 @@ void fields(Archive& archive, Service& service) {
     archive("dependents", service.dependents);
 }
 
-template <class Archive>
+template<class Archive>
 void fields(Archive& archive, UsbInterface& usb) {
     archive.required("device_path", usb.device_path);
     archive("parent_id", usb.parent_id);
     archive("compatible_drivers", usb.compatible_drivers);
 }
 
-template <class Archive>
+template<class Archive>
 void fields(Archive& archive, ChildProgram& child) {
     archive.required("name", child.name);
     archive("runs_for_ms", child.runs_for_ms);
     archive("exit_code", child.exit_code);
 }
 
-template <class Archive>
+template<class Archive>
 void fields(Archive& archive, PrinterDriver& driver) {
     archive.required("name", driver.name);
     archive("environment", driver.environment);
@@ -81,7 +81,7 @@ void fields(Archive& archive, PrinterDriver& driver) {
     archive("inf_path", driver.inf_path);
 }
 
-template <class Archive>
+template<class Archive>
 void fields(Archive& archive, PrintQueue& queue) {
     archive.required("name", queue.name);
     archive.required("port", queue.port);
@@ -96,7 +96,7 @@ void fields(Archive& archive, PrintQueue& queue) {
     archive("data", queue.data);
 }
 
-template <class Archive>
+template<class Archive>
 void fields(Archive& archive, PrintPort& port) {
     archive.required("name", port.name);
     archive.required("monitor", port.monitor);
@@ -110,7 +110,7 @@ void fields(Archive& archive, PrintPort& port) {
     archive("configuration", port.configuration);
 }
 
-template <class Archive>
+template<class Archive>
 void fields(Archive& archive, PortMonitor& monitor) {
     archive.required("name", monitor.name);
     archive("environment", monitor.environment);
@@ -119,13 +119,13 @@ void fields(Archive& archive, PortMonitor& monitor) {
     archive("configuration_size", monitor.configuration_size);
 }
 
-template <class Archive>
+template<class Archive>
 void fields(Archive& archive, StoredPackage& package) {
     archive.required("inf_path", package.inf_path);
     archive("deny_delete", package.deny_delete);
 }
 
-template <class Archive>
+template<class Archive>
 void fields(Archive& archive, SpoolerState& spooler) {
     archive("drivers", spooler.drivers);
     archive("queues", spooler.queues);
@@ -136,7 +136,7 @@ void fields(Archive& archive, SpoolerState& spooler) {
     archive("default_printer", spooler.default_printer);
 }
 
-template <class Archive>
+template<class Archive>
 void fields(Archive& archive, Machine& machine) {
     archive("version", machine.version);
     archive("code_page", CodePageNumber{machine.code_page});

@@ -1,6 +1,6 @@
-// The machine as a file: JSON with a key for each thing that the machine holds, described in docs/rehearsal.md.
-// A key that is missing leaves what the default machine has; an unknown key, a wrong type or a value outside
-// its range is an error.
+// The machine as a file: JSON with a key for each thing that the machine holds, described in
+// docs/rehearsal.md. A key that is missing leaves what the default machine has; an unknown key, a wrong type
+// or a value outside its range is an error.
 #pragma once
 
 #include "machine/machine.h"

@@ -8,8 +8,12 @@ namespace {
 
 constexpr char32_t replacement = 0xFFFD;
 
-bool is_high(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool is_low(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+bool is_high(char32_t unit) {
+    return unit >= 0xD800 && unit <= 0xDBFF;
+}
+bool is_low(char32_t unit) {
+    return unit >= 0xDC00 && unit <= 0xDFFF;
+}
 
 void append_utf8(std::string& out, char32_t c) {
     const auto put = [&out](char32_t byte) { out.push_back(static_cast<char>(byte)); };
@@ -40,7 +44,7 @@ void append_utf16(std::u16string& out, char32_t c) {
 }
 
 struct Sequence {
-    unsigned length = 0; // bytes, 0 for a byte that can't begin a character
+    unsigned length = 0;                                // bytes, 0 for a byte that can't begin a character
     std::uint8_t second_low = 0x80, second_high = 0xBF; // rules out overlong forms, surrogates, above 10FFFF
 };
 
@@ -89,16 +93,13 @@ struct CaseRange {
 
 // Sorted. As in the platform's own table there is no letter that grows, and none for dotless i and long s.
 constexpr CaseRange case_ranges[] = {
-    {u'a', u'z', -32},           {0x00E0, 0x00F6, -32},       {0x00F8, 0x00FE, -32},
-    {0x00FF, 0x00FF, 121},       {0x0101, 0x012F, -1, 2},     {0x0133, 0x0137, -1, 2},
-    {0x013A, 0x0148, -1, 2},     {0x014B, 0x0177, -1, 2},     {0x017A, 0x017E, -1, 2},
-    {0x03AC, 0x03AC, -38},       {0x03AD, 0x03AF, -37},       {0x03B1, 0x03C1, -32},
-    {0x03C2, 0x03C2, -31},       {0x03C3, 0x03CB, -32},       {0x03CC, 0x03CC, -64},
-    {0x03CD, 0x03CE, -63},       {0x0430, 0x044F, -32},       {0x0450, 0x045F, -80},
-    {0x0461, 0x0481, -1, 2},     {0x048B, 0x04BF, -1, 2},     {0x04C2, 0x04CE, -1, 2},
-    {0x04D1, 0x052F, -1, 2},     {0x0561, 0x0586, -48},       {0x1E01, 0x1E95, -1, 2},
-    {0x1EA1, 0x1EFF, -1, 2},     {0x2170, 0x217F, -16},       {0x24D0, 0x24E9, -26},
-    {0xFF41, 0xFF5A, -32},
+    {u'a', u'z', -32},       {0x00E0, 0x00F6, -32},   {0x00F8, 0x00FE, -32},   {0x00FF, 0x00FF, 121},
+    {0x0101, 0x012F, -1, 2}, {0x0133, 0x0137, -1, 2}, {0x013A, 0x0148, -1, 2}, {0x014B, 0x0177, -1, 2},
+    {0x017A, 0x017E, -1, 2}, {0x03AC, 0x03AC, -38},   {0x03AD, 0x03AF, -37},   {0x03B1, 0x03C1, -32},
+    {0x03C2, 0x03C2, -31},   {0x03C3, 0x03CB, -32},   {0x03CC, 0x03CC, -64},   {0x03CD, 0x03CE, -63},
+    {0x0430, 0x044F, -32},   {0x0450, 0x045F, -80},   {0x0461, 0x0481, -1, 2}, {0x048B, 0x04BF, -1, 2},
+    {0x04C2, 0x04CE, -1, 2}, {0x04D1, 0x052F, -1, 2}, {0x0561, 0x0586, -48},   {0x1E01, 0x1E95, -1, 2},
+    {0x1EA1, 0x1EFF, -1, 2}, {0x2170, 0x217F, -16},   {0x24D0, 0x24E9, -26},   {0xFF41, 0xFF5A, -32},
 };
 
 char16_t upper_letter(char16_t c) {
@@ -136,7 +137,9 @@ std::u16string to_utf16(std::string_view text) {
     return out;
 }
 
-std::string shown(const char16_t* text) { return text == nullptr ? "(null)" : to_utf8(text); }
+std::string shown(const char16_t* text) {
+    return text == nullptr ? "(null)" : to_utf8(text);
+}
 
 bool same_name(std::u16string_view a, std::u16string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),

@@ -45,8 +45,18 @@ Machine full_machine() {
                           {u"bytes", {3, {0x00, 0xAB}}},
                           {u"other type", {7, {1}}}}}};
     machine.spooler.drivers = {{u"D", u"Windows NT x86", 0x0001'0002'0003'FFFF, u"C:\\d.inf"}};
-    machine.spooler.queues = {{u"Q", u"P", u"D", u"proc", u"EMF", 0x44, 2, true, true, true,
-                               {{u"Label Sizes\\258", {{u"Width", {4, {1, 0, 0, 0}}}, {u"Name", {1, {'x', 0, 0, 0}}}}}}}};
+    machine.spooler.queues = {
+        {u"Q",
+         u"P",
+         u"D",
+         u"proc",
+         u"EMF",
+         0x44,
+         2,
+         true,
+         true,
+         true,
+         {{u"Label Sizes\\258", {{u"Width", {4, {1, 0, 0, 0}}}, {u"Name", {1, {'x', 0, 0, 0}}}}}}}};
     machine.spooler.ports = {{u"P", u"M", u"about", 3, u"host", u"10.0.0.9", 1, 9100, true, {1, 2, 0xFF}}};
     machine.spooler.monitors = {{u"M", u"Windows x64", u"m.dll", true, 6168}};
     machine.spooler.processors = {u"a", u"b"};
@@ -54,12 +64,13 @@ Machine full_machine() {
     machine.spooler.default_printer = u"Q";
     machine.services = {{u"S", {{3, 100, 20, 1, 5}, {9}}, {{7}}, {{2}}, 1051, 1056, {u"T"}}};
     machine.usb_interfaces = {{u"\\\\?\\usb#vid", u"USB\\VID", {{u"one"}, {u"two"}}}};
-    const std::vector<std::uint8_t> reply = {2, 7, 0,   0,   22, 0, 0, 0, 0,   0, 0x20, 0x10,
-                                             0, 2, 'e', 'n', 0,  0, 0, 1, 'A', 0};
+    const std::vector<std::uint8_t> reply = {2,    7, 0, 0,   22,  0, 0, 0, 0, 0,   0x20,
+                                             0x10, 0, 2, 'e', 'n', 0, 0, 0, 1, 'A', 0};
     std::vector<std::uint8_t> other_id = reply;
     other_id[11] = 0x11;
-    machine.adapters = {{"Wired", {"10.1.2.3", "10.1.2.4"}, true, {{{"10.0.0.8", reply}, {"10.0.0.9", other_id}}, {}}},
-                        {"Bare", {}, false, {{{"10.0.0.7", {}}}}}};
+    machine.adapters = {
+        {"Wired", {"10.1.2.3", "10.1.2.4"}, true, {{{"10.0.0.8", reply}, {"10.0.0.9", other_id}}, {}}},
+        {"Bare", {}, false, {{{"10.0.0.7", {}}}}}};
     machine.discovery_port_taken = true;
     machine.child_programs = {{u"c.exe", 5, 259}};
     machine.missing_strings = {423, 401};
@@ -75,7 +86,8 @@ TEST(MachineJson, WhatIsWrittenLoadsAsTheSameMachine) {
     const std::string text = machine_text(before);
     const Machine after = parse_machine(text, "m.json");
     EXPECT_EQ(machine_text(after), text);
-    // The text alone could lose the same thing twice, so that the parts with forms of their own are compared too.
+    // The text alone could lose the same thing twice, so that the parts with forms of their own are compared
+    // too.
     EXPECT_EQ(after.registry, before.registry);
     EXPECT_EQ(after.spooler, before.spooler);
     EXPECT_EQ(after.environment, before.environment);
@@ -91,9 +103,15 @@ TEST(MachineJson, WhatIsWrittenLoadsAsTheSameMachine) {
 
 TEST(MachineJson, WritesFormsThatPeopleRead) {
     const std::string text = machine_text(full_machine());
-    for (const char* part : {R"("version": "1.2.3.65535")", R"("network": "real")", R"("text": "A")",
-                             R"("hex": "0207000016000000000020110002656e0000000141)", R"("state": "stop_pending")",
-                             R"("value": 2147549182)", R"("configuration": "0102ff")", R"("日本 😀")"})
+    for (const char* part :
+         {R"("version": "1.2.3.65535")", R"("network": "real")", R"("text": "A")",
+          R"("hex": "0207000016000000000020110002656e0000000141)", R"("state": "stop_pending")",
+          R"("value": 2147549182)", R"("configuration": "0102ff")", R"("日本 😀")",
+          // Fields of records that nothing above compares
+          R"("stop_error": 1051)", R"("start_error": 1056)", R"("milliseconds": 100)", R"("wait_hint": 20)",
+          R"("checkpoint": 1,)", R"("exit_code": 5)", R"("exit_code": 259)", R"("runs_for_ms": 5)",
+          R"("parent_id": "USB\\VID")", R"("description": "Bare")", R"("nth": 2)", R"("from_then_on": true)",
+          R"("argument": "Label")", R"("build": 22621)"})
         EXPECT_NE(text.find(part), std::string::npos) << part;
 }
 
@@ -120,20 +138,27 @@ TEST(MachineJson, ErrorsNameLineAndReason) {
         const char* expected;
     } cases[] = {
         {"unknown key", "{\n \"code_page\": 1252,\n \"codepage\": 1\n}", "m.json:3: codepage: unknown key"},
-        {"unknown inner key", "{\"spooler\": {\n\"ports\": [\n{\"name\":\"a\",\"monitor\":\"b\",\n\"x\":1}]}}",
+        {"unknown inner key",
+         "{\"spooler\": {\n\"ports\": [\n{\"name\":\"a\",\"monitor\":\"b\",\n\"x\":1}]}}",
          "m.json:4: spooler/ports/0/x: unknown key"},
         {"wrong type", "{\n\n\"wow64\": 1}", "m.json:3: wow64: must be true or false"},
-        {"negative", "{\"ui_language\": -1}", "m.json:1: ui_language: must be a whole number from 0 to 65535"},
-        {"too large", "{\"ui_language\": 65536}", "m.json:1: ui_language: must be a whole number from 0 to 65535"},
-        {"fraction", "{\"ui_language\": 1.5}", "m.json:1: ui_language: must be a whole number from 0 to 65535"},
+        {"negative", "{\"ui_language\": -1}",
+         "m.json:1: ui_language: must be a whole number from 0 to 65535"},
+        {"too large", "{\"ui_language\": 65536}",
+         "m.json:1: ui_language: must be a whole number from 0 to 65535"},
+        {"fraction", "{\"ui_language\": 1.5}",
+         "m.json:1: ui_language: must be a whole number from 0 to 65535"},
         {"element of a list", "{\"missing_strings\": [\n1,\n2,\n\"x\"\n]}",
          "m.json:4: missing_strings/2: must be a whole number from 0 to 4294967295"},
+        {"number at a line's end", "{\"missing_strings\": [\n1,\n-2\n]}",
+         "m.json:3: missing_strings/1: must be a whole number from 0 to 4294967295"},
         {"code page", "{\"code_page\": 1253}",
          "m.json:1: code_page: must be 932, 936, 949, 950, 1250, 1251, 1252 or 65001"},
         {"time", "{\"clock\": \"2024-13-04T09:05:01\"}",
          "m.json:1: clock: must be a local time like \"2024-07-04T09:05:01\", or empty for the real one"},
         {"lacking", "{\"faults\": [\n{}]}", "m.json:2: faults/0: lacks \"call\""},
-        {"fault zero", "{\"faults\": [{\"call\": \"A\", \"nth\": 0}]}", "m.json:1: faults/0/nth: is counted from 1"},
+        {"fault zero", "{\"faults\": [{\"call\": \"A\", \"nth\": 0}]}",
+         "m.json:1: faults/0/nth: is counted from 1"},
         {"both forms", "{\"adapters\": [{\"searches\": [[{\"text\": \"\", \"hex\": \"\"}]]}]}",
          "m.json:1: adapters/0/searches/0/0: needs either \"text\" or \"hex\""},
         {"hexadecimal", "{\"adapters\": [{\"searches\": [[{\"hex\": \"0g\"}]]}]}",
@@ -142,7 +167,8 @@ TEST(MachineJson, ErrorsNameLineAndReason) {
          "m.json:1: adapters/0/addresses/0: must be an address like \"10.0.0.7\""},
         {"network", "{\"adapters\": [{\"network\": \"Real\"}]}",
          "m.json:1: adapters/0/network: must be \"real\" or \"scripted\""},
-        {"value of another type", "{\"registry\": {\"K\": {\"v\": {\n\"type\": \"dword\", \"value\": \"1\"}}}}",
+        {"value of another type",
+         "{\"registry\": {\"K\": {\"v\": {\n\"type\": \"dword\", \"value\": \"1\"}}}}",
          "m.json:2: registry/K/v/value: must be a whole number from 0 to 4294967295"},
         {"twice", "{\"wow64\": true,\n\"wow64\": true}", "m.json:2: wow64: stands here a second time"},
         {"no object", "[]", "m.json:1: must be an object"},

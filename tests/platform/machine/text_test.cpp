@@ -44,10 +44,12 @@ TEST(LayerText, NamesAreComparedWithoutCase) {
         std::u16string a, b;
         bool same;
     } cases[] = {
-        {u"Drivers", u"dRIVERS", true}, {u"\u00E9\u00FF", u"\u00C9\u0178", true}, {u"\u00F7", u"\u00D7", false},
-        {u"\u0436\u0451", u"\u0416\u0401", true}, {u"\u03C9", u"\u03A9", true},   {u"\u0105", u"\u0104", true},
-        {u"\u00DF", u"ss", false},      {u"\u0131", u"I", false},                 {u"ab", u"abc", false},
-        {u"[", u"{", false},            {u"\uFF41", u"\uFF21", true},
+        {u"Drivers", u"dRIVERS", true}, {u"\u00E9\u00FF", u"\u00C9\u0178", true},
+        {u"\u00F7", u"\u00D7", false},  {u"\u0436\u0451", u"\u0416\u0401", true},
+        {u"\u03C9", u"\u03A9", true},   {u"\u0105", u"\u0104", true},
+        {u"\u00DF", u"ss", false},      {u"\u0131", u"I", false},
+        {u"ab", u"abc", false},         {u"[", u"{", false},
+        {u"\uFF41", u"\uFF21", true},
     };
     for (const auto& test : cases)
         EXPECT_EQ(same_name(test.a, test.b), test.same) << to_utf8(test.a) << " " << to_utf8(test.b);
