@@ -32,7 +32,10 @@ constexpr CodePageFacts known[] = {
     {1250, "CP1250", u'?', {}, {{0x81, 0x81}, {0x83, 0x83}, {0x88, 0x88}, {0x90, 0x90}, {0x98, 0x98}}},
     {1251, "CP1251", u'?', {}, {{0x98, 0x98}}},
     {1252, "CP1252", u'?', {}, {{0x81, 0x81}, {0x8D, 0x8D}, {0x8F, 0x8F}, {0x90, 0x90}, {0x9D, 0x9D}}},
-    {932, "CP932", 0x30FB, {{0x81, 0x9F}, {0xE0, 0xFC}},
+    {932,
+     "CP932",
+     0x30FB,
+     {{0x81, 0x9F}, {0xE0, 0xFC}},
      {{0x80, 0x80}, {0xA0, 0xA0}, {0xFD, 0xF8F1}, {0xFE, 0xF8F2}, {0xFF, 0xF8F3}}},
     {936, "CP936", u'?', {{0x81, 0xFE}}, {{0x80, 0x20AC}, {0xFF, 0xF8F5}}},
     {949, "UHC", u'?', {{0x81, 0xFE}}, {{0x80, 0x80}, {0xFF, 0xF8F7}}},
@@ -86,7 +89,8 @@ void add_single_bytes(CodePageTable& table, Converter& converter, const CodePage
 void add_pairs(CodePageTable& table, Converter& converter) {
     table.pairs.assign(65536, 0);
     for (unsigned pair = 0x8140; pair < 65536; ++pair) {
-        const std::uint8_t bytes[2] = {static_cast<std::uint8_t>(pair >> 8), static_cast<std::uint8_t>(pair & 0xFF)};
+        const std::uint8_t bytes[2] = {static_cast<std::uint8_t>(pair >> 8),
+                                       static_cast<std::uint8_t>(pair & 0xFF)};
         if (table.lead[bytes[0]] && bytes[1] >= 0x40)
             table.pairs[pair] = converter.character(bytes, 2).value_or(u'\0');
     }

@@ -18,7 +18,9 @@ int refused(DWORD error) {
     return 0;
 }
 
-UINT resolved(UINT code_page) { return code_page == CP_ACP ? session().machine.code_page : code_page; }
+UINT resolved(UINT code_page) {
+    return code_page == CP_ACP ? session().machine.code_page : code_page;
+}
 
 const CodePageTable& table_of(const platform::Call& call, UINT code_page) {
     const CodePageTable* table = platform::code_page_table(code_page);
@@ -46,7 +48,8 @@ Widened widen_by_table(const CodePageTable& table, std::string_view bytes) {
             result.text += table.single[byte];
             continue;
         }
-        const auto trail = place + 1 < bytes.size() ? static_cast<std::uint8_t>(bytes[place + 1]) : std::uint8_t{0};
+        const auto trail =
+            place + 1 < bytes.size() ? static_cast<std::uint8_t>(bytes[place + 1]) : std::uint8_t{0};
         const char16_t character = table.pairs[byte * 256u + trail];
         result.good = result.good && character != 0;
         result.text += character != 0 ? character : table.unknown;
@@ -56,7 +59,8 @@ Widened widen_by_table(const CodePageTable& table, std::string_view bytes) {
     return result;
 }
 
-Narrowed narrow_by_table(const CodePageTable& table, std::u16string_view text, std::string_view default_character) {
+Narrowed narrow_by_table(const CodePageTable& table, std::u16string_view text,
+                         std::string_view default_character) {
     Narrowed result;
     for (const char16_t character : text) {
         const std::uint16_t bytes = table.bytes[character];
@@ -86,7 +90,7 @@ Narrowed narrow_utf8(std::u16string_view text) {
 }
 
 // Puts the text into the caller's buffer and gives its length; a size of 0 asks for it.
-template <class Character>
+template<class Character>
 int deliver(const std::basic_string<Character>& text, Character* out, int size) {
     const auto capacity = static_cast<std::size_t>(size);
     if (size == 0)
@@ -100,7 +104,8 @@ int deliver(const std::basic_string<Character>& text, Character* out, int size) 
 }
 
 bool good_arguments(const void* in, int length, const void* out, int size) {
-    return in != nullptr && length != 0 && length >= -1 && size >= 0 && (out != nullptr || size == 0) && in != out;
+    return in != nullptr && length != 0 && length >= -1 && size >= 0 && (out != nullptr || size == 0) &&
+           in != out;
 }
 
 } // namespace
@@ -115,7 +120,8 @@ int MultiByteToWideChar(UINT code_page, DWORD flags, LPCSTR bytes, int byte_coun
     const DWORD allowed = page == CP_UTF8 ? MB_ERR_INVALID_CHARS : (MB_ERR_INVALID_CHARS | MB_PRECOMPOSED);
     if ((flags & ~allowed) != 0)
         return refused(ERROR_INVALID_FLAGS);
-    const std::string_view in(bytes, byte_count < 0 ? std::strlen(bytes) + 1 : static_cast<std::size_t>(byte_count));
+    const std::string_view in(bytes,
+                              byte_count < 0 ? std::strlen(bytes) + 1 : static_cast<std::size_t>(byte_count));
     const Widened out = page == CP_UTF8 ? widen_utf8(in) : widen_by_table(table_of(call, page), in);
     if (!out.good && (flags & MB_ERR_INVALID_CHARS) != 0)
         return refused(ERROR_NO_UNICODE_TRANSLATION);

@@ -22,8 +22,8 @@ std::optional<std::u16string> variable(std::u16string_view name) {
     return std::nullopt;
 }
 
-// References between two percent signs are replaced by the variable's value; one without a value stays, and its
-// second percent sign may begin the next.
+// References between two percent signs are replaced by the variable's value; one without a value stays, and
+// its second percent sign may begin the next.
 std::u16string expanded(std::u16string_view source) {
     std::u16string out;
     while (!source.empty()) {

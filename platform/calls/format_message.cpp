@@ -89,7 +89,9 @@ const char16_t* find_text(DWORD code) {
 }
 
 // The system's languages are English and the user's own, which is taken to be English too.
-bool has_language(DWORD language) { return language == 0 || language == 0x400 || language == 0x800 || language == 1033; }
+bool has_language(DWORD language) {
+    return language == 0 || language == 0x400 || language == 0x800 || language == 1033;
+}
 
 DWORD refused(DWORD error) {
     platform::set_last_error(error);
@@ -107,11 +109,13 @@ DWORD give_allocated(std::u16string_view text, LPWSTR* out, DWORD least) {
 
 } // namespace
 
-DWORD FormatMessageW(DWORD flags, LPCVOID, DWORD code, DWORD language, LPWSTR text, DWORD size, void* arguments) {
+DWORD FormatMessageW(DWORD flags, LPCVOID, DWORD code, DWORD language, LPWSTR text, DWORD size,
+                     void* arguments) {
     platform::Call call("FormatMessageW", std::to_string(code));
     if (call.fails(ERROR_MR_MID_NOT_FOUND))
         return 0;
-    constexpr DWORD known = FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_FROM_SYSTEM;
+    constexpr DWORD known =
+        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_FROM_SYSTEM;
     if ((flags & FORMAT_MESSAGE_FROM_SYSTEM) == 0 || (flags & ~known) != 0 || arguments != nullptr)
         call.refuse("flags " + std::to_string(flags) + ": only the system's own texts are there");
     if (text == nullptr)

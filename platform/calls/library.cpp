@@ -33,9 +33,9 @@ BOOL set_default_dll_directories(DWORD flags) {
 }
 
 // Loaded with the program, in the order of their handles.
-constexpr const char16_t* libraries[] = {u"kernel32.dll", u"user32.dll",   u"gdi32.dll",   u"advapi32.dll",
-                                         u"shell32.dll",  u"shlwapi.dll",  u"ole32.dll",   u"winspool.drv",
-                                         u"setupapi.dll", u"cfgmgr32.dll", u"ws2_32.dll",  u"iphlpapi.dll"};
+constexpr const char16_t* libraries[] = {u"kernel32.dll", u"user32.dll",   u"gdi32.dll",  u"advapi32.dll",
+                                         u"shell32.dll",  u"shlwapi.dll",  u"ole32.dll",  u"winspool.drv",
+                                         u"setupapi.dll", u"cfgmgr32.dll", u"ws2_32.dll", u"iphlpapi.dll"};
 constexpr const char16_t* kernel = libraries[0];
 
 struct Function {
@@ -45,7 +45,7 @@ struct Function {
 };
 
 // By way of the one function type that any other may be cast to without a warning.
-template <class Signature>
+template<class Signature>
 FARPROC address_of(Signature* function) {
     return reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(function));
 }
@@ -92,12 +92,15 @@ bool is_missing(const char* name) {
 
 std::u16string module_path(HMODULE module) {
     const char16_t* library = library_name(module);
-    return library == nullptr ? program_path() : session().machine.folders.windows + u"\\System32\\" + library;
+    return library == nullptr ? program_path()
+                              : session().machine.folders.windows + u"\\System32\\" + library;
 }
 
 } // namespace
 
-HMODULE program_module() { return reinterpret_cast<HMODULE>(program_address); }
+HMODULE program_module() {
+    return reinterpret_cast<HMODULE>(program_address);
+}
 
 std::u16string program_path() {
     const Machine& machine = session().machine;
@@ -142,7 +145,8 @@ FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
         return nullptr;
     }
     for (const platform::Function& function : platform::functions)
-        if (function.library == library && std::strcmp(function.name, name) == 0 && !platform::is_missing(name))
+        if (function.library == library && std::strcmp(function.name, name) == 0 &&
+            !platform::is_missing(name))
             return function.address;
     platform::set_last_error(ERROR_PROC_NOT_FOUND);
     return nullptr;
@@ -152,7 +156,8 @@ DWORD GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size) {
     platform::Call call("GetModuleFileNameW");
     if (call.fails(ERROR_NOT_ENOUGH_MEMORY))
         return 0;
-    if (module != nullptr && module != platform::program_module() && platform::library_name(module) == nullptr) {
+    if (module != nullptr && module != platform::program_module() &&
+        platform::library_name(module) == nullptr) {
         platform::set_last_error(ERROR_MOD_NOT_FOUND);
         return 0;
     }

@@ -2,19 +2,24 @@
 
 #include <windows.h>
 
-// Blocks of the process heap and of the older local heap, both noted in the session's ledger. Giving back can't
-// be made to fail: no program can do anything about it, and the ledger would only show what was asked for.
+// Blocks of the process heap and of the older local heap, both noted in the session's ledger. Giving back
+// can't be made to fail: no program can do anything about it, and the ledger would only show what was asked
+// for.
 namespace {
 
-constexpr SIZE_T largest_block = SIZE_T{1} << 30; // above it the machine has no memory, as a small one wouldn't
+constexpr SIZE_T largest_block = SIZE_T{1}
+                                 << 30; // above it the machine has no memory, as a small one wouldn't
 
 // A value that no handle of the table has: those are multiples of four.
-HANDLE process_heap() { return reinterpret_cast<HANDLE>(std::uintptr_t{0x10001}); }
+HANDLE process_heap() {
+    return reinterpret_cast<HANDLE>(std::uintptr_t{0x10001});
+}
 
 void* allocate(platform::Call& call, SIZE_T bytes, const char* allocator, bool zeroed) {
     if (call.fails(ERROR_NOT_ENOUGH_MEMORY))
         return nullptr;
-    void* block = bytes > largest_block ? nullptr : platform::session().memory.allocate(bytes, allocator, zeroed);
+    void* block =
+        bytes > largest_block ? nullptr : platform::session().memory.allocate(bytes, allocator, zeroed);
     if (block == nullptr)
         platform::set_last_error(ERROR_NOT_ENOUGH_MEMORY);
     return block;

@@ -8,9 +8,9 @@
 void GetLocalTime(LPSYSTEMTIME time) {
     platform::Call call("GetLocalTime");
     const platform::LocalTime now = platform::session().clock.local_time();
-    *time = {static_cast<WORD>(now.year),    static_cast<WORD>(now.month),  static_cast<WORD>(now.weekday),
-             static_cast<WORD>(now.day),     static_cast<WORD>(now.hour),   static_cast<WORD>(now.minute),
-             static_cast<WORD>(now.second),  static_cast<WORD>(now.millisecond)};
+    *time = {static_cast<WORD>(now.year),   static_cast<WORD>(now.month),      static_cast<WORD>(now.weekday),
+             static_cast<WORD>(now.day),    static_cast<WORD>(now.hour),       static_cast<WORD>(now.minute),
+             static_cast<WORD>(now.second), static_cast<WORD>(now.millisecond)};
 }
 
 void Sleep(DWORD milliseconds) {

@@ -11,7 +11,8 @@
 #define WC_NO_BEST_FIT_CHARS 0x00000400
 
 // Lengths of -1 take the text with its terminator. An out size of 0 asks for the size needed.
-int WINAPI MultiByteToWideChar(UINT code_page, DWORD flags, LPCSTR bytes, int byte_count, LPWSTR text, int size);
+int WINAPI MultiByteToWideChar(UINT code_page, DWORD flags, LPCSTR bytes, int byte_count, LPWSTR text,
+                               int size);
 int WINAPI WideCharToMultiByte(UINT code_page, DWORD flags, LPCWSTR text, int length, LPSTR bytes, int size,
                                LPCSTR default_character, LPBOOL used_default);
 BOOL WINAPI IsDBCSLeadByte(BYTE byte);
@@ -32,7 +33,8 @@ UINT WINAPI GetACP();
 #define SUBLANG_NEUTRAL 0x00
 #define SUBLANG_DEFAULT 0x01
 
-#define MAKELANGID(primary, sub) (static_cast<WORD>((static_cast<WORD>(sub) << 10) | static_cast<WORD>(primary)))
+#define MAKELANGID(primary, sub)                                                                             \
+    (static_cast<WORD>((static_cast<WORD>(sub) << 10) | static_cast<WORD>(primary)))
 #define PRIMARYLANGID(language) (static_cast<WORD>(static_cast<WORD>(language) & 0x3ff))
 #define SUBLANGID(language) (static_cast<WORD>(static_cast<WORD>(language) >> 10))
 
