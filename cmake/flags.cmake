@@ -37,7 +37,7 @@ if(WIN32)
   # 32-bit linker would drop the stub and leave the slot that it fills empty, so the headers' own switches
   # take that away.
   target_compile_definitions(trk_source_flags INTERFACE
-    _SHELL32_ _SHLWAPI_ _OLE32_ _SETUPAPI_ WINSOCK_API_LINKAGE=)
+    _SHELL32_ _SHLWAPI_ _OLE32_ _SETUPAPI_ _CFGMGR32_ WINSOCK_API_LINKAGE=)
 
   # The system libraries that are loaded with the program, in place of the longer list that CMake links by itself.
   set(CMAKE_CXX_STANDARD_LIBRARIES "-ladvapi32 -luser32 -lkernel32")

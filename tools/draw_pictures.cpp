@@ -1,5 +1,5 @@
-// Draws the program's two pictures: the banner of the main dialog and the icon. `make pictures` runs it when the
-// design changes; the files that it writes are kept beside the resource scripts.
+// Draws the program's two pictures: the banner of the main dialog and the icon. `make pictures` runs it when
+// the design changes; the files that it writes are kept beside the resource scripts.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -73,8 +73,11 @@ struct Letter {
 std::vector<Letter> company_name() {
     Letter v{0.86, {{{0, 0}, {0.43, 1}, {0.86, 0}}}};
     Letter o{0.96, {arc({0.48, 0.5}, 0.48, 0.5, 0, 360)}};
-    Letter r{0.66, {{{0, 1}, {0, 0}, {0.36, 0}}, arc({0.36, 0.27}, 0.27, 0.27, -90, 90), {{0.36, 0.54}, {0, 0.54}},
-                    {{0.34, 0.54}, {0.66, 1}}}};
+    Letter r{0.66,
+             {{{0, 1}, {0, 0}, {0.36, 0}},
+              arc({0.36, 0.27}, 0.27, 0.27, -90, 90),
+              {{0.36, 0.54}, {0, 0.54}},
+              {{0.34, 0.54}, {0.66, 1}}}};
     Letter l{0.54, {{{0, 0}, {0, 1}, {0.54, 1}}}};
     Letter a{0.86, {{{0, 1}, {0.43, 0}, {0.86, 1}}, {{0.16, 0.66}, {0.70, 0.66}}}};
     Letter n{0.74, {{{0, 1}, {0, 0}, {0.74, 1}, {0.74, 0}}}};
@@ -159,7 +162,7 @@ Picture draw_icon(int size) {
 }
 
 class Bytes {
-  public:
+public:
     void word(uint32_t value) { put(value, 2); }
     void dword(uint32_t value) { put(value, 4); }
     void byte(uint32_t value) { put(value, 1); }
@@ -167,7 +170,7 @@ class Bytes {
     uint32_t size() const { return static_cast<uint32_t>(data_.size()); }
     const std::string& data() const { return data_; }
 
-  private:
+private:
     void put(uint32_t value, int count) {
         for (int i = 0; i < count; ++i)
             data_ += static_cast<char>(value >> (8 * i) & 0xFF);

@@ -1,6 +1,6 @@
-// Enters into a linked Windows program's header what the linker doesn't know: the load configuration and the table
-// of libraries that are loaded at their first use. Both are found by their symbols, which are then taken off; the
-// usual tool for that would put the time of day into the header.
+// Enters into a linked Windows program's header what the linker doesn't know: the load configuration and the
+// table of libraries that are loaded at their first use. Both are found by their symbols, which are then
+// taken off; the usual tool for that would put the time of day into the header.
 //
 //   finish_program PROGRAM
 #include <cstdint>
@@ -15,7 +15,7 @@
 namespace {
 
 class Image {
-  public:
+public:
     explicit Image(std::vector<char> bytes) : bytes_(std::move(bytes)) {
         header_ = number(0x3C, 4);
         if (number(header_, 4) != 0x4550)
@@ -88,7 +88,7 @@ class Image {
 
     const std::vector<char>& bytes() const { return bytes_; }
 
-  private:
+private:
     uint32_t number(size_t at, size_t size) const {
         if (at > bytes_.size() || bytes_.size() - at < size)
             throw std::runtime_error("the file ends too early");
@@ -128,7 +128,8 @@ void finish(const std::string& path) {
     in.close();
 
     const uint32_t config = image.address_of("load_config");
-    image.set_directory(load_configuration, config, image.number_at_address(config)); // it begins with its size
+    image.set_directory(load_configuration, config,
+                        image.number_at_address(config)); // it begins with its size
     const uint32_t start = image.address_of("delay_import_start");
     image.set_directory(delay_import, start, image.address_of("delay_import_end") - start);
 

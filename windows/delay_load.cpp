@@ -24,18 +24,20 @@ FARPROC load_from_system_folder(const char* library) {
 void report_and_end(const DelayLoadInfo* info, int function_missing) {
     WCHAR text[256] = {};
     if (!function_missing)
-        format_text(text, std::size(text), TEXT("%S can't be loaded (error %u)."), info->szDll, info->dwLastError);
+        format_text(text, std::size(text), TEXT("%S can't be loaded (error %u)."), info->szDll,
+                    info->dwLastError);
     else if (info->dlp.fImportByName)
         format_text(text, std::size(text), TEXT("This Windows is too old: %S has no %S."), info->szDll,
                     info->dlp.szProcName);
     else
-        format_text(text, std::size(text), TEXT("This Windows is too old: %S has no function %u."), info->szDll,
-                    info->dlp.dwOrdinal);
+        format_text(text, std::size(text), TEXT("This Windows is too old: %S has no function %u."),
+                    info->szDll, info->dlp.dwOrdinal);
     MessageBoxW(nullptr, text, TEXT("Vorlane Inc"), MB_TOPMOST | MB_ICONEXCLAMATION);
     ExitProcess(1);
 }
 
-// Gives a module for a library about to be loaded, and null, which leaves the step to the caller, for all else.
+// Gives a module for a library about to be loaded, and null, which leaves the step to the caller, for all
+// else.
 FARPROC WINAPI on_delay_load(unsigned event, DelayLoadInfo* info) {
     if (event == dliNotePreLoadLibrary)
         return load_from_system_folder(info->szDll);

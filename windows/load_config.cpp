@@ -9,8 +9,8 @@ extern "C" std::uintptr_t __stack_chk_guard;
 
 namespace {
 
-// The start of IMAGE_LOAD_CONFIG_DIRECTORY, with pointers where the package has numbers, so that it needs no code
-// to be filled in. The package also still calls the load flags reserved.
+// The start of IMAGE_LOAD_CONFIG_DIRECTORY, with pointers where the package has numbers, so that it needs no
+// code to be filled in. The package also still calls the load flags reserved.
 struct LoadConfig {
     DWORD size;
     DWORD time_stamp;

@@ -1,5 +1,5 @@
-// The stack protector's word and what happens when a function finds it changed. The compiler's own library takes
-// the word from the crypto provider, which would load libraries before the search for them is limited.
+// The stack protector's word and what happens when a function finds it changed. The compiler's own library
+// takes the word from the crypto provider, which would load libraries before the search for them is limited.
 #include <windows.h>
 
 #include <cstdint>
@@ -20,8 +20,8 @@ extern "C" [[noreturn]] void __stack_chk_fail() {
     __builtin_trap();
 }
 
-// Runs before all other constructors, so that no protected routine is on the stack while the word changes. Time,
-// ids and addresses are what start-up has at hand on systems whose loader brings no random value.
+// Runs before all other constructors, so that no protected routine is on the stack while the word changes.
+// Time, ids and addresses are what start-up has at hand on systems whose loader brings no random value.
 extern "C" __attribute__((constructor(101))) void start_stack_guard() {
     FILETIME time = {};
     GetSystemTimeAsFileTime(&time);

@@ -1,0 +1,21 @@
+#!/bin/sh
+# Builds the Windows programs a second time, from a copy of the sources in another folder and without the compiler
+# cache, and compares them with those in dist/: same_bytes.sh SOURCE SCRATCH.
+set -eu
+source=$1
+copy=$2/another-folder
+export CCACHE_DISABLE=1
+
+rm -rf "$copy"
+mkdir -p "$copy/tests"
+cp -r "$source/CMakeLists.txt" "$source/CMakePresets.json" "$source/cmake" "$source/src" "$source/windows" \
+    "$source/tools" "$copy/"
+cp -r "$source/tests/windows" "$copy/tests/"
+"$copy/cmake/build.sh" 2 windows-i686 windows-x86_64 >"$2/again.log" 2>&1 || { cat "$2/again.log"; exit 1; }
+"$copy/cmake/collect_dist.sh" >/dev/null
+
+cd "$source/dist"
+find . -type f | sort | while read -r file; do
+    cmp "$file" "$copy/dist/$file"
+    echo "same bytes: $file"
+done
