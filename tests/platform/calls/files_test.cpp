@@ -149,34 +149,31 @@ TEST_F(Files, ReadingGoesByThePosition) {
 }
 
 TEST_F(Files, FoldersAreMadeAndRemoved) {
+    const auto make = [](const Text& name) { return CreateDirectoryW(name.c_str(), nullptr); };
+    const auto remove = [](const Text& name) { return RemoveDirectoryW(name.c_str()); };
+    const auto erase = [](const Text& name) { return DeleteFileW(name.c_str()); };
     write(TEXT("file"), "x");
     const Text sub = path(TEXT("sub")), deep = path(TEXT("sub\\deep")),
                long_name = path(Text(MAX_PATH - 12, TEXT('n')).c_str());
     const struct {
         const char* name;
-        BOOL(WINAPI* call)(const Text&);
+        BOOL (*call)(const Text&);
         Text path;
         DWORD error;
     } steps[] = {
-        {"parent missing", [](const Text& p) { return CreateDirectoryW(p.c_str(), nullptr); }, deep,
-         ERROR_PATH_NOT_FOUND},
-        {"made", [](const Text& p) { return CreateDirectoryW(p.c_str(), nullptr); }, sub + TEXT("\\"), 0},
-        {"there", [](const Text& p) { return CreateDirectoryW(p.c_str(), nullptr); }, path(TEXT("SUB")),
-         ERROR_ALREADY_EXISTS},
-        {"a file there", [](const Text& p) { return CreateDirectoryW(p.c_str(), nullptr); },
-         path(TEXT("file")), ERROR_ALREADY_EXISTS},
-        {"too long", [](const Text& p) { return CreateDirectoryW(p.c_str(), nullptr); }, long_name,
-         ERROR_FILENAME_EXCED_RANGE},
-        {"below", [](const Text& p) { return CreateDirectoryW(p.c_str(), nullptr); }, deep, 0},
-        {"not empty", [](const Text& p) { return RemoveDirectoryW(p.c_str()); }, sub, ERROR_DIR_NOT_EMPTY},
-        {"not a file", [](const Text& p) { return DeleteFileW(p.c_str()); }, sub, ERROR_ACCESS_DENIED},
-        {"empty", [](const Text& p) { return RemoveDirectoryW(p.c_str()); }, deep, 0},
-        {"gone", [](const Text& p) { return RemoveDirectoryW(p.c_str()); }, deep, ERROR_FILE_NOT_FOUND},
-        {"not a folder", [](const Text& p) { return RemoveDirectoryW(p.c_str()); }, path(TEXT("file")),
-         ERROR_DIRECTORY},
-        {"file deleted", [](const Text& p) { return DeleteFileW(p.c_str()); }, path(TEXT("FILE")), 0},
-        {"file gone", [](const Text& p) { return DeleteFileW(p.c_str()); }, path(TEXT("file")),
-         ERROR_FILE_NOT_FOUND},
+        {"parent missing", make, deep, ERROR_PATH_NOT_FOUND},
+        {"made", make, sub + TEXT("\\"), 0},
+        {"there", make, path(TEXT("SUB")), ERROR_ALREADY_EXISTS},
+        {"a file there", make, path(TEXT("file")), ERROR_ALREADY_EXISTS},
+        {"too long", make, long_name, ERROR_FILENAME_EXCED_RANGE},
+        {"below", make, deep, 0},
+        {"not empty", remove, sub, ERROR_DIR_NOT_EMPTY},
+        {"not a file", erase, sub, ERROR_ACCESS_DENIED},
+        {"empty", remove, deep, 0},
+        {"gone", remove, deep, ERROR_FILE_NOT_FOUND},
+        {"not a folder", remove, path(TEXT("file")), ERROR_DIRECTORY},
+        {"file deleted", erase, path(TEXT("FILE")), 0},
+        {"file gone", erase, path(TEXT("file")), ERROR_FILE_NOT_FOUND},
     };
     for (const auto& step : steps) {
         SCOPED_TRACE(step.name);
