@@ -1,4 +1,5 @@
 #include "calls/ansi_text.h"
+#include "calls/disk.h"
 #include "calls/paths.h"
 #include "calls/spooler_handles.h"
 #include "machine/driver_store.h"
@@ -30,15 +31,8 @@ public:
     }
 
     bool write(const std::u16string& path, const std::string& bytes) override {
-        if (!make_folders(path))
-            return false;
-        const platform::RealPath place = platform::real_path(path.c_str(), longest_store_path);
-        if (place.error != 0 || place.read_only || place.folder)
-            return false;
-        std::ofstream file(place.real, std::ios::binary | std::ios::trunc);
-        file << bytes;
-        file.close();
-        return !file.fail();
+        return make_folders(path) &&
+               platform::write_file(platform::real_path(path.c_str(), longest_store_path), bytes) == 0;
     }
 
     bool remove_folder(const std::u16string& path) override {
@@ -58,8 +52,7 @@ private:
         for (std::size_t end = path.find(u'\\', 3); end != path.npos; end = path.find(u'\\', end + 1)) {
             const platform::RealPath folder =
                 platform::real_path(path.substr(0, end).c_str(), longest_store_path);
-            std::error_code error;
-            if (folder.error != 0 || (!folder.exists && !fs::create_directory(folder.real, error)))
+            if (folder.error != 0 || (!folder.exists && platform::make_folder(folder) != 0))
                 return false;
         }
         return true;

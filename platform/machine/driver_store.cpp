@@ -127,7 +127,8 @@ std::uint32_t upload_package(SpoolerState& state, PackageFiles& files, const Upl
         return 0;
     for (const StoredFile& file : package) {
         if (!files.write(folder + u"\\" + file.path, file.bytes)) {
-            files.remove_folder(folder);
+            if (!known)
+                files.remove_folder(folder);
             return access_denied;
         }
     }

@@ -1,9 +1,15 @@
 // The sizes, offsets and values that this program's blocks and calls stand on. One table for both platforms:
 // what it holds can't differ between them. Nothing here is code.
+
+// Sockets come before windows.h, which would bring the older ones.
+#include <winsock2.h>
+
 #include "support/platform_gaps.h"
 
 #include <cfgmgr32.h>
+#include <iphlpapi.h>
 #include <setupapi.h>
+#include <shellapi.h>
 #include <windows.h>
 #include <winspool.h>
 
@@ -66,5 +72,36 @@ static_assert(offsetof(SP_DEVICE_INTERFACE_DETAIL_DATA_W, DevicePath) == 4);
 static_assert(sizeof(SP_DRVINFO_DATA_W) == (narrow ? 1564 : 1568));
 static_assert(offsetof(SP_DRVINFO_DATA_W, Description) == (narrow ? 12 : 16));
 static_assert(CR_SUCCESS == 0);
+
+// Files, processes, version and registry.
+static_assert(sizeof(STARTUPINFOW) == (narrow ? 68 : 104));
+static_assert(sizeof(PROCESS_INFORMATION) == (narrow ? 16 : 24));
+static_assert(sizeof(OSVERSIONINFOEXW) == 284 && offsetof(OSVERSIONINFOEXW, szCSDVersion) == 20);
+static_assert(sizeof(WIN32_FIND_DATAW) == 592 && offsetof(WIN32_FIND_DATAW, cFileName) == 44);
+static_assert(GENERIC_READ == 0x80000000u && FILE_APPEND_DATA == 4 && FILE_ATTRIBUTE_NORMAL == 0x80);
+static_assert((FILE_SHARE_READ | FILE_SHARE_WRITE) == 3 && OPEN_EXISTING == 3 && OPEN_ALWAYS == 4);
+static_assert(KEY_READ == 0x20019);
+static_assert((FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM) == 0x1100);
+static_assert(HEAP_ZERO_MEMORY == 8 && LOCALE_SYSTEM_DEFAULT == 0x800 && CP_ACP == 0);
+
+// The shell's flags for copying (0x1494) and deleting (0x414).
+static_assert(FO_COPY == 2 && FO_DELETE == 3);
+static_assert((FOF_SILENT | FOF_NOCONFIRMATION | FOF_NOERRORUI) == 0x414);
+static_assert((FOF_SILENT | FOF_NOCONFIRMATION | FOF_FILESONLY | FOF_NOERRORUI | FOF_NORECURSION) == 0x1494);
+static_assert(sizeof(SHFILEOPSTRUCTW) == (narrow ? 30 : 56));
+
+// Windows and messages.
+static_assert(BM_GETCHECK == 240 && EM_FMTLINES == 200 && WM_USER == 1024);
+static_assert(LB_ADDSTRING == 0x180 && LB_DELETESTRING == 0x182 && LB_GETCURSEL == 0x188 &&
+              LB_SETTABSTOPS == 402);
+static_assert(MB_TOPMOST == 0x40000 && (MB_TOPMOST | MB_ICONEXCLAMATION) == 0x40030);
+static_assert(SW_SHOW == 5);
+
+// Sockets and adapters.
+static_assert(sizeof(sockaddr_in) == 16 && offsetof(sockaddr_in, sin_addr) == 4);
+static_assert(sizeof(IP_ADDR_STRING) == (narrow ? 40 : 48) &&
+              sizeof(IP_ADAPTER_INFO) == (narrow ? 640 : 704));
+static_assert(offsetof(IP_ADAPTER_INFO, Description) == (narrow ? 268 : 272));
+static_assert(offsetof(IP_ADAPTER_INFO, IpAddressList) == (narrow ? 428 : 440));
 
 } // namespace

@@ -228,6 +228,7 @@ TEST_F(Spooler, KeepsPrinterDataUnderKeys) {
     EXPECT_EQ(SetPrinterDataExA(queue, "Label Sizes\\258", "name", 1, text, sizeof(text)), 0u);
     EXPECT_EQ(SetPrinterDataExA(queue, "label sizes\\259", "version", 4, number, 4), 0u);
     EXPECT_EQ(SetPrinterDataExA(queue, "", "version", 4, number, 4), DWORD{ERROR_INVALID_PARAMETER});
+    EXPECT_EQ(SetPrinterDataExA(queue, "Label Sizes 2\\1", "version", 4, number, 4), 0u);
 
     EXPECT_EQ(EnumPrinterKeyW(queue, TEXT("Label Sizes"), nullptr, 0, &needed), DWORD{ERROR_MORE_DATA});
     ASSERT_EQ(needed, sizeof(TEXT("258\0"
