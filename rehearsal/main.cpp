@@ -1,6 +1,7 @@
 // trk: rehearses the setup program without Windows.
 #include "rehearsal/label_printer.h"
 #include "rehearsal/rehearse.h"
+#include "rehearsal/remove.h"
 
 #include <CLI/CLI.hpp>
 
@@ -33,6 +34,29 @@ void add_rehearse(CLI::App& app, rehearsal::RehearseOptions& options) {
     command->footer(rehearse_footer);
 }
 
+constexpr char remove_footer[] =
+    R"(The remover is made of the library's operations alone: it lists the driver's queues, deletes them
+with their ports, and removes group, driver package and program folder.
+
+Example:
+  trk remove --machine laptop.json --before fresh.json)";
+
+void add_remove(CLI::App& app, rehearsal::RemoveOptions& options) {
+    CLI::App* const command = app.add_subcommand("remove", "Take an installation off a simulated machine");
+    command
+        ->add_option("--machine", options.machine_file, "The machine that rehearsals left behind; rewritten")
+        ->required()
+        ->check(CLI::ExistingFile);
+    command->add_option("--drive-c", options.drive_c, "The folder that its drive C is");
+    command->add_option("--model", options.model,
+                        "The model's name; without it the only one that is installed");
+    command
+        ->add_option("--before", options.before, "Tell the difference from this machine file and its drive")
+        ->check(CLI::ExistingFile);
+    command->add_flag("--quiet", options.quiet, "No running commentary");
+    command->footer(remove_footer);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -41,6 +65,8 @@ int main(int argc, char** argv) {
     app.require_subcommand(1);
     rehearsal::RehearseOptions rehearse_options;
     add_rehearse(app, rehearse_options);
+    rehearsal::RemoveOptions remove_options;
+    add_remove(app, remove_options);
     rehearsal::PrinterOptions printer_options;
     rehearsal::add_printer(app, printer_options);
     try {
@@ -51,5 +77,7 @@ int main(int argc, char** argv) {
     }
     if (app.got_subcommand("rehearse"))
         return rehearsal::rehearse(rehearse_options);
+    if (app.got_subcommand("remove"))
+        return rehearsal::remove(remove_options);
     return rehearsal::run_printer(printer_options);
 }

@@ -24,12 +24,6 @@ void make_folder(const fs::path& drive_c, const std::u16string& windows_path) {
     fs::create_directories(drive_c / path);
 }
 
-void prepare_drive(const platform::Machine& machine, const fs::path& drive_c) {
-    make_folder(drive_c, machine.folders.windows + u"\\Temp");
-    make_folder(drive_c, machine.folders.program_files);
-    make_folder(drive_c, machine.folders.common_programs);
-}
-
 // The program's state is that of a new process.
 void reset_program() {
     std::destroy_at(&app);
@@ -45,7 +39,8 @@ void enter_program(platform::Session& session, const ProgramRun& run, Outcome& o
     std::string arguments = run.command_line;
     const HINSTANCE instance = GetModuleHandleW(nullptr);
     try {
-        outcome.exit_code = WinMain(instance, nullptr, arguments.data(), SW_SHOWNORMAL);
+        outcome.exit_code = run.entry ? run.entry(instance, arguments.data())
+                                      : WinMain(instance, nullptr, arguments.data(), SW_SHOWNORMAL);
     } catch (const platform::RunStopped& stop) {
         outcome.refusal = stop.what();
     }
@@ -67,6 +62,17 @@ void look_at_session(platform::Session& session, Outcome& outcome) {
 
 } // namespace
 
+fs::path drive_of(const fs::path& machine_file) {
+    return fs::path(machine_file).concat(".drive-c");
+}
+
+void prepare_drive(const platform::Machine& machine, const fs::path& drive_c) {
+    make_folder(drive_c, machine.folders.windows + u"\\Temp");
+    make_folder(drive_c, machine.folders.windows + u"\\System32\\DriverStore\\FileRepository");
+    make_folder(drive_c, machine.folders.program_files);
+    make_folder(drive_c, machine.folders.common_programs);
+}
+
 Outcome run_program(const ProgramRun& run, platform::Machine& machine, platform::User& user,
                     LogFollower& log) {
     Outcome outcome;
@@ -77,7 +83,7 @@ Outcome run_program(const ProgramRun& run, platform::Machine& machine, platform:
     {
         platform::SessionOptions options;
         options.drive_c = run.drive_c;
-        options.medium = fs::absolute(run.medium);
+        options.medium = run.medium.empty() ? run.medium : fs::absolute(run.medium);
         options.resources = TRK_RESOURCE_FILE;
         options.command_line = platform::to_utf16(run.command_line);
         options.real_time = run.real_time;

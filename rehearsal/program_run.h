@@ -5,23 +5,32 @@
 #include "rehearsal/log_follower.h"
 #include "rehearsal/outcome.h"
 
+#include <windows.h>
+
 #include <filesystem>
 #include <functional>
 #include <string>
 
 namespace rehearsal {
 
+// The folder that is drive C for a machine file, when nothing else is said.
+std::filesystem::path drive_of(const std::filesystem::path& machine_file);
+
+// Makes the folders on the drive that the machine has from the start.
+void prepare_drive(const platform::Machine& machine, const std::filesystem::path& drive_c);
+
 struct ProgramRun {
-    std::filesystem::path drive_c; // made ready with the folders that the machine has from the start
+    std::filesystem::path drive_c; // prepared by run_program
     std::filesystem::path medium;
     std::string command_line; // arguments alone, UTF-8
     bool real_time = false;
+    std::function<int(HINSTANCE, char* command_line)> entry;    // empty: the setup program's WinMain
     std::function<void(const platform::JournalEntry&)> on_call; // may be empty
     std::function<void()> finished; // called at the end of the run, still inside the session; may be empty
 };
 
-// Runs the program from WinMain on. The machine is changed in place; `log` has the run's lines afterwards.
-// What the user did and saw (boxes, problem) is the caller's to add to the outcome.
+// Runs the program from its entry point on. The machine is changed in place; `log` has the run's lines
+// afterwards. What the user did and saw (boxes, problem) is the caller's to add to the outcome.
 Outcome run_program(const ProgramRun& run, platform::Machine& machine, platform::User& user,
                     LogFollower& log);
 

@@ -39,7 +39,7 @@ fs::path choose_drive_c(const RehearseOptions& options, std::unique_ptr<Temporar
     if (!options.drive_c.empty())
         return options.drive_c;
     if (!options.machine_file.empty())
-        return fs::path(options.machine_file).concat(".drive-c");
+        return drive_of(options.machine_file);
     temporary = std::make_unique<TemporaryFolder>();
     return temporary->path;
 }

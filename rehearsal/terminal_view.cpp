@@ -1,6 +1,5 @@
 #include "rehearsal/terminal_view.h"
 
-#include "calls/session.h"
 #include "calls/user_input.h"
 
 #include <algorithm>
@@ -140,8 +139,13 @@ void TerminalView::box(const platform::BoxView& box) {
 void TerminalView::look() {
     const std::lock_guard lock(mutex_);
     print_log();
-    if (platform::current_thread_number() == 0)
-        print_dialogs();
+    print_dialogs();
+    out_ << std::flush;
+}
+
+void TerminalView::look_at_log() {
+    const std::lock_guard lock(mutex_);
+    print_log();
     out_ << std::flush;
 }
 

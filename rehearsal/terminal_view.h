@@ -22,8 +22,9 @@ public:
 
     void action(const std::string& shown);
     void box(const platform::BoxView& box);
-    // Looks what is new. Dialogs are looked at on the main thread alone, while nothing is being changed.
+    // Looks what is new; on the program's main thread, and while it is at rest.
     void look();
+    void look_at_log(); // from any thread
 
     LogFollower log;
 

@@ -17,6 +17,7 @@ public:
     explicit ViewedUser(TerminalView& view) : view_(view) {}
     void box(const platform::BoxView& view) override;
     void changed() override { view_.look(); }
+    void file_flushed() override { view_.look_at_log(); }
 
     std::vector<platform::BoxView> boxes;
     std::string problem; // the action that couldn't be done, with its line

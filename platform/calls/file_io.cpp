@@ -113,7 +113,7 @@ BOOL FlushFileBuffers(HANDLE handle) {
         return FALSE;
     if (!file->write)
         return failed(ERROR_ACCESS_DENIED);
-    session().user.changed();
+    session().user.file_flushed();
     return TRUE;
 }
 

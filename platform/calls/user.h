@@ -40,7 +40,8 @@ public:
     // false to leave: the layer then closes what is open.
     virtual bool act() = 0;
     virtual void box(const BoxView&) {} // a message box was shown and answered by OK
-    virtual void changed() {}           // dialogs or the log may have changed; from any thread
+    virtual void changed() {}           // the program comes to rest: dialogs may have changed; from its main thread
+    virtual void file_flushed() {}      // a file, the log perhaps, has grown; from any thread
 };
 
 } // namespace platform
