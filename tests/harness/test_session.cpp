@@ -54,7 +54,8 @@ platform::Session& TestSession::start() {
 void TestSession::stop() {
     if (!session_)
         return;
-    if (app.log_handle != INVALID_HANDLE_VALUE)
+    // A run that was stopped makes no call any more; its handles end with the session.
+    if (app.log_handle != INVALID_HANDLE_VALUE && !session_->gate.stopped())
         CloseHandle(app.log_handle);
     app.log_handle = INVALID_HANDLE_VALUE;
     session_.reset();
