@@ -1,5 +1,6 @@
 #include "discovery/usb_search.h"
 
+#include "harness/registry_values.h"
 #include "harness/test_session.h"
 
 #include <gtest/gtest.h>
@@ -17,20 +18,6 @@ const std::u16string class_id = u"{28d78fad-5a12-11d1-ae5b-0000f803a8c2}";
 
 std::u16string device_path(const std::u16string& middle) {
     return u"\\\\?\\usb#" + middle + u"#" + class_id;
-}
-
-platform::RegistryValue text_value(const std::u16string& text) {
-    platform::RegistryValue value;
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-    value.data.assign(bytes, bytes + 2 * text.size()); // without terminator, as some drivers leave it
-    return value;
-}
-
-platform::RegistryValue number_value(std::uint32_t number, std::size_t bytes = 4) {
-    platform::RegistryValue value{4, std::vector<std::uint8_t>(bytes)};
-    for (std::size_t i = 0; i < bytes && i < 4; ++i)
-        value.data[i] = static_cast<std::uint8_t>(number >> (8 * i));
-    return value;
 }
 
 class UsbSearch : public testing::Test {
