@@ -31,7 +31,7 @@ int read_machine_variable(HKEY key, const WCHAR* name, WCHAR (&value)[environmen
 
 int expand_machine_variables(HKEY key, WCHAR* buffer, DWORD size) {
     for (const WCHAR* name : {TEXT("TEMP"), TEXT("TMP")}) {
-        WCHAR value[environment_capacity + 1] = {};
+        WCHAR value[environment_capacity + 1];
         if (!read_machine_variable(key, name, value))
             continue;
         const DWORD needed = ExpandEnvironmentStringsW(value, buffer, size);
