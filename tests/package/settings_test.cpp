@@ -95,6 +95,16 @@ TEST(Settings, LooksInTheFileAskedFor) {
     EXPECT_STREQ(value, "");
 }
 
+TEST(Settings, OpensNothingUnderACutName) {
+    TestSession session;
+    session.machine.current_folder = u"D:\\" + std::u16string(237, u'm');
+    TestSession::write(session.medium / "wrenchbay" / "settin",
+                       "[UI]\nLanguage=DEU"); // what a cut path would name
+    session.start();
+    char value[20];
+    EXPECT_EQ(read_setting("[UI]", "Language=", value, sizeof(value), 0), 0u);
+}
+
 TEST(Settings, ComparesAllCharacters) {
     EXPECT_EQ(compare_wide(u"ESP", u"ES", 2), 0);
     EXPECT_EQ(compare_wide(u"ESP", u"ESN", 3), 1);

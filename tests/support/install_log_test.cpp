@@ -128,6 +128,12 @@ TEST(InstallLog, RefusesAPlantedFile) {
         {"second name", [](const LogFolder& s) { fs::create_hard_link(s.drive_c / "victim", s.file); },
          false},
         {"link", [](const LogFolder& s) { fs::create_symlink(s.drive_c / "victim", s.file); }, false},
+        {"link to its name elsewhere",
+         [](const LogFolder& s) {
+             TestSession::write(s.drive_c / "Evil/trk_install.log", "x");
+             fs::create_symlink(s.drive_c / "Evil/trk_install.log", s.file);
+         },
+         false},
         {"link beside itself",
          [](const LogFolder& s) {
              TestSession::write(s.drive_c / "Temp/other.log", "x");

@@ -81,6 +81,7 @@ TEST(Text, CutsNoCharacterInTwo) {
     session.start();
     EXPECT_EQ(compose(3, u"%S", japanese), (Composed{"テス", 0}));
     EXPECT_EQ(compose_ansi(6, "%s", japanese), (Composed{std::string(japanese, 4), 0}));
+    EXPECT_EQ(compose_ansi(6, "%s%s", japanese, "x"), (Composed{std::string(japanese, 4), 0}));
     EXPECT_EQ(compose_ansi(7, "%s", japanese), (Composed{japanese, 1}));
     EXPECT_EQ(compose_ansi(4, "a%s", japanese), (Composed{std::string("a\x83\x65"), 0}));
     EXPECT_EQ(whole_ansi_length(japanese, 3), 2u);
@@ -138,6 +139,7 @@ TEST(Text, ScansNumbers) {
         {"white space in front of numbers", " 10. \t0.\r\n0.7 ", "%d.%d.%d.%d", 4, {10, 0, 0, 7}},
         {"white space in front of a separator", "10 .0.0.7", "%d.%d.%d.%d", 1, {10, 0, 0, 0}},
         {"too few", "1.2.3", "%d.%d.%d.%d", 3, {1, 2, 3, 0}},
+        {"ends behind a separator", "1.", "%d.%d.%d.%d", 1, {1, 0, 0, 0}},
         {"signs", "-1.+2.-0.--3", "%d.%d.%d.%d", 3, {-1, 2, 0, 0}},
         {"saturation",
          "2147483648.-2147483649.99999999999.2147483647",
