@@ -22,7 +22,7 @@ extern "C" [[noreturn]] void __stack_chk_fail() {
 
 // Runs before all other constructors, so that no protected routine is on the stack while the word changes.
 // Time, ids and addresses are what start-up has at hand on systems whose loader brings no random value.
-extern "C" __attribute__((constructor(101))) void start_stack_guard() {
+extern "C" __attribute__((constructor(101), no_stack_protector)) void start_stack_guard() {
     FILETIME time = {};
     GetSystemTimeAsFileTime(&time);
     LARGE_INTEGER counter = {};
