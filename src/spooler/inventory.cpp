@@ -57,8 +57,40 @@ int same_text(const WCHAR* field, const WCHAR* name) {
     return lstrcmpW(field != nullptr ? field : TEXT(""), name) == 0;
 }
 
-void log_entry(DWORD index, const WCHAR* name) {
+// Logs the entry at the index of a list and gives the field that is compared.
+using ShowEntry = const WCHAR* (*)(DWORD index, const void* records);
+
+const WCHAR* show_name(DWORD index, const WCHAR* name) {
     log_line_within(line_capacity, TEXT("%d:%s\r\n"), index, name);
+    return name;
+}
+
+const WCHAR* show_processor(DWORD index, const void* records) {
+    return show_name(index, static_cast<const PRINTPROCESSOR_INFO_1W*>(records)[index].pName);
+}
+
+const WCHAR* show_monitor(DWORD index, const void* records) {
+    return show_name(index, static_cast<const MONITOR_INFO_1W*>(records)[index].pName);
+}
+
+const WCHAR* show_port(DWORD index, const void* records) {
+    const PORT_INFO_2W& port = static_cast<const PORT_INFO_2W*>(records)[index];
+    log_line_within(line_capacity, TEXT("%d:%s,%s,%s\r\n"), index, port.pPortName, port.pMonitorName,
+                    port.pDescription);
+    return port.pPortName;
+}
+
+const WCHAR* show_queue_port(DWORD index, const void* records) {
+    return show_name(index, static_cast<const PRINTER_INFO_2W*>(records)[index].pPortName);
+}
+
+// Walks the list up to the entry of that name, and releases it.
+int find_entry(void* records, DWORD count, ShowEntry show, const WCHAR* name) {
+    int found = 0;
+    for (DWORD index = 0; index < count && !found; ++index)
+        found = same_text(show(index, records), name);
+    release_bytes(records);
+    return found;
 }
 
 } // namespace
@@ -88,54 +120,24 @@ void* enumerate_processors(DWORD level, DWORD* count) {
 
 int print_processor_exists(const WCHAR* name) {
     DWORD count = 0;
-    void* records = enumerate_processors(1, &count);
-    const auto* entries = static_cast<const PRINTPROCESSOR_INFO_1W*>(records);
-    int found = 0;
-    for (DWORD i = 0; i < count && !found; ++i) {
-        log_entry(i, entries[i].pName);
-        found = same_text(entries[i].pName, name);
-    }
-    release_bytes(records);
-    return found;
+    void* const records = enumerate_processors(1, &count);
+    return find_entry(records, count, show_processor, name);
 }
 
 int monitor_exists(const WCHAR* name) {
     DWORD count = 0;
-    void* records = enumerate_monitors(1, &count);
-    const auto* entries = static_cast<const MONITOR_INFO_1W*>(records);
-    int found = 0;
-    for (DWORD i = 0; i < count && !found; ++i) {
-        log_entry(i, entries[i].pName);
-        found = same_text(entries[i].pName, name);
-    }
-    release_bytes(records);
-    return found;
+    void* const records = enumerate_monitors(1, &count);
+    return find_entry(records, count, show_monitor, name);
 }
 
 int port_exists(const WCHAR* name) {
     DWORD count = 0;
-    void* records = enumerate_ports(2, &count);
-    const auto* entries = static_cast<const PORT_INFO_2W*>(records);
-    int found = 0;
-    for (DWORD i = 0; i < count && !found; ++i) {
-        const PORT_INFO_2W* entry = &entries[i];
-        log_line_within(line_capacity, TEXT("%d:%s,%s,%s\r\n"), i, entry->pPortName, entry->pMonitorName,
-                        entry->pDescription);
-        found = same_text(entry->pPortName, name);
-    }
-    release_bytes(records);
-    return found;
+    void* const records = enumerate_ports(2, &count);
+    return find_entry(records, count, show_port, name);
 }
 
 int queue_on_port_exists(const WCHAR* port_name) {
     DWORD count = 0;
-    void* records = enumerate_printers(2, &count);
-    const auto* entries = static_cast<const PRINTER_INFO_2W*>(records);
-    int found = 0;
-    for (DWORD i = 0; i < count && !found; ++i) {
-        log_entry(i, entries[i].pPortName);
-        found = same_text(entries[i].pPortName, port_name);
-    }
-    release_bytes(records);
-    return found;
+    void* const records = enumerate_printers(2, &count);
+    return find_entry(records, count, show_queue_port, port_name);
 }

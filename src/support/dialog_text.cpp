@@ -3,6 +3,7 @@
 #include "app/app_state.h"
 #include "resources/resource_ids.h"
 #include "support/install_log.h"
+#include "support/system_text.h"
 #include "support/text.h"
 
 #include <iterator>
@@ -13,7 +14,6 @@ constexpr int string_capacity = 260;
 constexpr size_t box_capacity = 513 + 1;
 constexpr size_t error_box_capacity = 257 + 1;
 constexpr int error_format_capacity = 255;
-constexpr DWORD user_default_language = 0x400;
 
 // A loaded string, with room for a line end behind it.
 struct LoadedString {
@@ -49,15 +49,12 @@ WCHAR* allocate_control_text(HWND item, size_t extra, size_t* capacity) {
 }
 
 void append_system_text(WCHAR* message, size_t capacity, DWORD error) {
-    WCHAR* system_text = nullptr;
-    const DWORD length =
-        FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM, nullptr, error,
-                       user_default_language, reinterpret_cast<WCHAR*>(&system_text), 0, nullptr);
-    if (length == 0 || system_text == nullptr)
+    WCHAR* const text = system_text(error);
+    if (text == nullptr)
         return;
     append_text(message, capacity, TEXT("\n"));
-    append_text(message, capacity, system_text);
-    LocalFree(system_text);
+    append_text(message, capacity, text);
+    LocalFree(text);
 }
 
 int clamp_to_screen(int position, int extent, int screen) {
