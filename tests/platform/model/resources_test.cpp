@@ -154,8 +154,8 @@ protected:
         const struct {
             unsigned language;
             std::u16string_view text;
-        } texts[] = {{7, u"German"},     {12, u"French"},     {1033, u"American"},
-                     {2057, u"British"}, {3084, u"Canadian"}, {3082, u"Iberian"}};
+        } texts[] = {{3084, u"Canadian"}, {7, u"German"},     {12, u"French"},
+                     {1033, u"American"}, {2057, u"British"}, {3082, u"Iberian"}};
         for (const auto& [language, text] : texts)
             put_entry(file, 6, 3, language, block_with(1, text));
         put_entry(file, 6, 4, 2057, block_with(0, u"British only"));
