@@ -8,8 +8,8 @@
 // Room of a composed log line, in characters with the terminator.
 constexpr size_t log_line_capacity = 1024;
 
-// The machine-wide temporary folder into `buffer` of `size` characters: 1 when a source gave one, else 0. With
-// use_environment the process's TEMP and TMP are asked first.
+// The machine-wide temporary folder into `buffer` of `size` characters: 1 when a source gave one, else 0.
+// With use_environment the process's TEMP and TMP are asked first.
 int find_temp_dir(WCHAR* buffer, DWORD size, int use_environment);
 
 // Opens <temp folder>\<name><extension> for appending and puts its path into `path` of `size` characters. The

@@ -7,22 +7,23 @@
 #include <cstdarg>
 #include <cstddef>
 
-// Composes 16-bit text by `format`: %s 16-bit text, %S 8-bit text, %d %u %x (32 bits), %lx the same as %x, %ls
-// the same as %s, %c, %%, and a minimum width with zero or blank padding before d, u and x (%04x). A null text
-// counts as empty. The result is always terminated: 1 when the whole text fits, 0 when it was cut.
+// Composes 16-bit text by `format`: %s 16-bit text, %S 8-bit text, %d %u %x (32 bits), %lx the same as %x,
+// %ls the same as %s, %c, %%, and a minimum width with zero or blank padding before d, u and x (%04x). A null
+// text counts as empty. The result is always terminated: 1 when the whole text fits, 0 when it was cut.
 int format_text(WCHAR* out, size_t capacity, const WCHAR* format, ...);
 int format_text_list(WCHAR* out, size_t capacity, const WCHAR* format, va_list arguments);
 
 // The same for 8-bit text, where %s is 8-bit text and there is no %S. A cut never leaves half a character.
 int format_ansi(char* out, size_t capacity, const char* format, ...);
 
-// Scans 8-bit text by a format of "%d" and literal characters, as the standard scan does: white space before a
-// number is skipped, a sign is taken, numbers saturate at the 32-bit limits. `values` has room for
+// Scans 8-bit text by a format of "%d" and literal characters, as the standard scan does: white space before
+// a number is skipped, a sign is taken, numbers saturate at the 32-bit limits. `values` has room for
 // `value_count` numbers, which are set to 0 first. Gives the number of fields converted, or -1 when the text
 // ends before the first.
 int scan_numbers(const char* text, const char* format, int* values, size_t value_count);
 
-// The decimal number at the start of the text: white space, sign, digits; saturating; 0 when there is no digit.
+// The decimal number at the start of the text: white space, sign, digits; saturating; 0 when there is no
+// digit.
 int scan_number(const char* text);
 
 size_t text_length(const WCHAR* text); // null gives 0
@@ -47,8 +48,8 @@ const char* find_ansi(const char* text, const char* part);
 int starts_with(const WCHAR* text, const WCHAR* start); // 1 or 0
 int ansi_starts_with(const char* text, const char* start);
 
-// Whether the text is one plain file or folder name: not empty, not "." or "..", no separator, colon, wildcard,
-// quote, angle bracket, bar or control character, and no blank or point at its end.
+// Whether the text is one plain file or folder name: not empty, not "." or "..", no separator, colon,
+// wildcard, quote, angle bracket, bar or control character, and no blank or point at its end.
 int is_plain_name(const WCHAR* name);
 
 // Zeroed memory of the process heap, or null; the second gives it back (null is accepted).
