@@ -127,6 +127,19 @@ TEST(Text, ConvertsByTheCodePage) {
     }
 }
 
+TEST(Text, SurvivesConversionsThatFail) {
+    TestSession session;
+    session.machine.faults = {{.call = "MultiByteToWideChar", .from_then_on = true},
+                              {.call = "WideCharToMultiByte", .from_then_on = true}};
+    session.start();
+    char bytes[8] = "old";
+    WCHAR text[8] = u"old";
+    EXPECT_EQ(narrow(bytes, std::size(bytes), u"new"), 0);
+    EXPECT_STREQ(bytes, "");
+    EXPECT_EQ(widen(text, std::size(text), "new"), 0);
+    EXPECT_EQ(std::u16string(text), u"");
+}
+
 TEST(Text, ScansNumbers) {
     const struct {
         const char* name;
