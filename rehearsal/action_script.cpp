@@ -1,7 +1,5 @@
 #include "rehearsal/action_script.h"
 
-#include "calls/user_input.h"
-
 #include <charconv>
 #include <fstream>
 #include <utility>
@@ -104,26 +102,6 @@ std::vector<Action> read_script(const std::filesystem::path& file) {
         actions.push_back(action);
     }
     return actions;
-}
-
-std::string perform(const Action& action) {
-    switch (action.verb) {
-    case Verb::press:
-        return platform::press(action.number);
-    case Verb::select:
-        return platform::select_row(action.number);
-    case Verb::tick:
-        return platform::tick(action.number);
-    case Verb::untick:
-        return platform::untick(action.number);
-    case Verb::type:
-        return platform::type_text(action.number, action.text);
-    case Verb::key:
-        return platform::press_key(static_cast<unsigned>(action.number));
-    case Verb::close:
-        return platform::close_dialog();
-    }
-    return "unknown action";
 }
 
 } // namespace rehearsal
