@@ -74,9 +74,7 @@ int run_remover(HINSTANCE instance, const std::u16string& model) {
     app.log_handle = open_log(TEXT("trk_install"), TEXT(".log"), path, static_cast<DWORD>(std::size(path)));
     log_write(app.log_handle, TEXT("\r\nremove\r\n"));
     const int result = remove_model(instance, model.c_str());
-    if (app.log_handle != INVALID_HANDLE_VALUE)
-        CloseHandle(app.log_handle);
-    app.log_handle = INVALID_HANDLE_VALUE;
+    close_log();
     return result;
 }
 

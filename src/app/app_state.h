@@ -46,8 +46,9 @@ constexpr WPARAM terms_page_closed = 100;
 struct AppState {
     HINSTANCE app_instance = nullptr;
     DWORD silent = 0; // the command line was not empty
-    HANDLE log_handle = INVALID_HANDLE_VALUE;
-    HANDLE log_mutex = nullptr; // made by the first write to an open log
+    std::atomic<HANDLE> log_handle = INVALID_HANDLE_VALUE;
+    HANDLE log_mutex = nullptr;               // made by the first write to an open log
+    HANDLE closed_log = INVALID_HANDLE_VALUE; // what close_log closed; both under that mutex
     HWND main_dialog = nullptr;
     int language = 0; // 0 to 6
     WCHAR window_title[512] = {};

@@ -121,13 +121,6 @@ void run_dialog() {
     report_end();
 }
 
-void close_setup_log() {
-    const HANDLE log = app.log_handle;
-    app.log_handle = INVALID_HANDLE_VALUE;
-    if (log != INVALID_HANDLE_VALUE)
-        CloseHandle(log);
-}
-
 } // namespace
 
 int run_setup(HINSTANCE instance, const char* command_line) {
@@ -146,6 +139,6 @@ int run_setup(HINSTANCE instance, const char* command_line) {
         log_line(TEXT("CreateDialog failed %d\r\n"), GetLastError());
         message_box_text(TEXT("The setup window could not be opened."), MB_TOPMOST | MB_ICONEXCLAMATION);
     }
-    close_setup_log();
+    close_log();
     return 0;
 }

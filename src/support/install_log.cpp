@@ -131,6 +131,17 @@ void write_chunk(HANDLE handle, const WCHAR* text, size_t length) {
     WriteFile(handle, bytes, static_cast<DWORD>(count), &written, nullptr);
 }
 
+void write_text(HANDLE handle, const WCHAR* text) {
+    size_t remaining = text_length(text);
+    while (remaining > 0) {
+        const size_t length = next_chunk(text, remaining);
+        write_chunk(handle, text, length);
+        text += length;
+        remaining -= length;
+    }
+    FlushFileBuffers(handle);
+}
+
 // Puts the format's closing CR LF or LF back behind a text that was cut.
 void restore_line_end(WCHAR* line, size_t capacity, const WCHAR* format) {
     const size_t format_length = text_length(format);
@@ -191,7 +202,21 @@ HANDLE open_log(const WCHAR* name, const WCHAR* extension, WCHAR* path, DWORD si
         CloseHandle(file);
         return INVALID_HANDLE_VALUE;
     }
+    app.closed_log = INVALID_HANDLE_VALUE; // the platform gives a handle's value out again
     return file;
+}
+
+void close_log() {
+    const HANDLE log = app.log_handle.exchange(INVALID_HANDLE_VALUE);
+    if (log == INVALID_HANDLE_VALUE)
+        return;
+    const HANDLE mutex = app.log_mutex;
+    if (mutex != nullptr)
+        WaitForSingleObject(mutex, INFINITE);
+    app.closed_log = log;
+    CloseHandle(log);
+    if (mutex != nullptr)
+        ReleaseMutex(mutex);
 }
 
 void log_write(HANDLE handle, const WCHAR* text) {
@@ -203,14 +228,8 @@ void log_write(HANDLE handle, const WCHAR* text) {
     const HANDLE mutex = app.log_mutex;
     if (mutex != nullptr) // without one the text is still written, only not as one piece
         WaitForSingleObject(mutex, INFINITE);
-    size_t remaining = text_length(text);
-    while (remaining > 0) {
-        const size_t length = next_chunk(text, remaining);
-        write_chunk(handle, text, length);
-        text += length;
-        remaining -= length;
-    }
-    FlushFileBuffers(handle);
+    if (handle != app.closed_log)
+        write_text(handle, text);
     if (mutex != nullptr)
         ReleaseMutex(mutex);
 }

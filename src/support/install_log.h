@@ -17,8 +17,12 @@ int find_temp_dir(WCHAR* buffer, DWORD size, int use_environment);
 // one name, lying in the temp folder itself, is closed again.
 HANDLE open_log(const WCHAR* name, const WCHAR* extension, WCHAR* path, DWORD size);
 
+// Closes the run's log, app.log_handle, between two lines of a worker that may still live. Its later ones go
+// nowhere.
+void close_log();
+
 // Writes the text, in the ANSI code page, to the end of the file, whole and flushed, from any thread. Does
-// nothing with INVALID_HANDLE_VALUE.
+// nothing with INVALID_HANDLE_VALUE, nor with a log that close_log has closed since the caller took its handle.
 void log_write(HANDLE handle, const WCHAR* text);
 
 // Composes a line as format_text does and writes it to the run's log. A line beyond its capacity
