@@ -28,7 +28,7 @@ struct Find {
     }
 };
 
-constexpr DWORD sender = 0x0700000A; // 10.0.0.7 in network order
+constexpr DWORD sender = 0x0702010A; // 10.1.2.7 in network order
 
 Find read(const std::vector<BYTE>& datagram, const char* tag = "MDL:Label_100;") {
     char address[printer_address_capacity] = "untouched";
@@ -83,23 +83,23 @@ TEST_F(SlpReply, FindsThePrintersOfTheModel) {
     } table[] = {
         {"tag, then name",
          reply("(a=MDL:Label_100;),(printer-name=Shelf A)" + nul),
-         {1, "10.0.0.7", "Shelf A"}},
-        {"name, then tag", reply("(printer-name=B),(a=MDL:Label_100;)" + nul), {1, "10.0.0.7", "B"}},
+         {1, "10.1.2.7", "Shelf A"}},
+        {"name, then tag", reply("(printer-name=B),(a=MDL:Label_100;)" + nul), {1, "10.1.2.7", "B"}},
         {"first of two names",
          reply("MDL:Label_100;printer-name=1)printer-name=2)" + nul),
-         {1, "10.0.0.7", "1"}},
-        {"empty name", reply("MDL:Label_100;(printer-name=)" + nul), {1, "10.0.0.7", ""}},
-        {"no name", reply("MDL:Label_100;" + nul), {1, "10.0.0.7", ""}},
+         {1, "10.1.2.7", "1"}},
+        {"empty name", reply("MDL:Label_100;(printer-name=)" + nul), {1, "10.1.2.7", ""}},
+        {"no name", reply("MDL:Label_100;" + nul), {1, "10.1.2.7", ""}},
         {"name to the text's end",
          reply("MDL:Label_100;printer-name=Up to here" + nul),
-         {1, "10.0.0.7", "Up to here"}},
-        {"name to the datagram's end", reply("MDL:Label_100;printer-name=Open"), {1, "10.0.0.7", "Open"}},
+         {1, "10.1.2.7", "Up to here"}},
+        {"name to the datagram's end", reply("MDL:Label_100;printer-name=Open"), {1, "10.1.2.7", "Open"}},
         {"19 characters",
          reply("MDL:Label_100;printer-name=1234567890123456789)"),
-         {1, "10.0.0.7", "1234567890123456789"}},
+         {1, "10.1.2.7", "1234567890123456789"}},
         {"20 characters",
          reply("MDL:Label_100;printer-name=12345678901234567890)"),
-         {1, "10.0.0.7", "1234567890123456789"}},
+         {1, "10.1.2.7", "1234567890123456789"}},
         {"longer model", reply("MDL:Label_100_Series;" + nul), no_find},
         {"small letters", reply("mdl:label_100;" + nul), no_find},
         {"tag behind the text", reply("a" + nul + "MDL:Label_100;"), no_find},
@@ -120,7 +120,7 @@ TEST_F(SlpReply, EchoesEveryTextWithinItsLine) {
     read(reply(std::string(254, 'y')));
     read(reply("MDL:Label_100;printer-name=N)"));
     EXPECT_EQ(test.log(), "no match\r\n\r\n" + std::string(253, 'x') + "\r\n" + std::string(253, 'y') +
-                              "\r\n" + "MDL:Label_100;printer-name=N)\r\nPrinter found 10.0.0.7 N\r\n");
+                              "\r\n" + "MDL:Label_100;printer-name=N)\r\nPrinter found 10.1.2.7 N\r\n");
 }
 
 TEST_F(SlpReply, LargestDatagramIsSearchedToItsEnd) {

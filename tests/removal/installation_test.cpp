@@ -191,9 +191,9 @@ TEST(TextComparison, FoldsSmallAndCapitalLetters) {
         DWORD count;
         int expected;
     } table[] = {
-        {"a", "b", 0, 0},         {"lbl.INF", "LBL.inf", 7, 0},     {"abc", "abd", 2, 0},
-        {"abc", "abd", 3, -1},    {"ab", "abc", 3, -'c'},           {"ab", "ab", 9, 0},
-        {"Z", "[", 1, 'z' - '['}, {"\xc4", "\xe4", 1, 0xc4 - 0xe4},
+        {"a", "b", 0, 0},         {"lbl.INF", "LBL.inf", 7, 0}, {"abc", "abd", 2, 0},
+        {"abc", "abd", 3, -1},    {"ab", "abc", 3, -'c'},       {"ab", "ab", 9, 0},
+        {"Z", "[", 1, 'z' - '['}, {"\xe4", "a", 1, 0xe4 - 'a'},
     };
     for (const auto& row : table)
         EXPECT_EQ(compare_text_nocase(row.first, row.second, row.count), row.expected)
