@@ -3,7 +3,7 @@
 #include "machine/json_forms.h"
 
 #include <fstream>
-#include <iterator>
+#include <sstream>
 
 // The keys of all records, in the order in which they are written. Each list serves reading and writing.
 namespace platform {
@@ -178,10 +178,11 @@ std::string machine_text(const Machine& machine) {
 
 Machine load_machine(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
-    const std::string text((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
-    if (!stream)
+    std::ostringstream text;
+    text << stream.rdbuf();
+    if (!stream || text.bad())
         throw MachineFileError(file.string(), 0, "can't be read");
-    return parse_machine(text, file.string());
+    return parse_machine(text.str(), file.string());
 }
 
 void save_machine(const Machine& machine, const std::filesystem::path& file) {
