@@ -2,22 +2,7 @@
 
 #include "calls/session.h"
 
-#include <algorithm>
-
 namespace platform {
-namespace {
-
-bool same_letter(char a, char b) {
-    const auto fold = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-    return fold(a) == fold(b);
-}
-
-bool contains(const std::string& text, const std::string& part) {
-    return part.empty() || std::search(text.begin(), text.end(), part.begin(), part.end(), same_letter) != text.end();
-}
-
-} // namespace
-
 std::size_t Gate::enter(const char* call, const std::string& argument) {
     JournalEntry entry;
     std::size_t place = 0;
@@ -44,18 +29,12 @@ bool Gate::fails(std::size_t place, std::uint32_t default_error, std::uint32_t& 
     const std::lock_guard lock(mutex_);
     JournalEntry& entry = journal_[place];
     entry.can_fail = true;
-    for (std::size_t index = 0; index < faults_.size(); ++index) {
-        const Fault& fault = faults_[index];
-        if (fault.call != entry.call || !contains(entry.argument, fault.argument))
-            continue;
-        const unsigned match = ++fault_matches_[index];
-        if (match == fault.nth || (fault.from_then_on && match > fault.nth)) {
-            entry.failed = true;
-            error = fault.error.value_or(default_error);
-            return true;
-        }
-    }
-    return false;
+    const Fault* const fault = fault_counts_.due(faults_, entry.call, entry.argument);
+    if (fault == nullptr)
+        return false;
+    entry.failed = true;
+    error = fault->error.value_or(default_error);
+    return true;
 }
 
 void Gate::stop(const std::string& reason) {

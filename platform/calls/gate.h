@@ -2,7 +2,7 @@
 // journal, makes calls fail on demand and stops a run that asks for something the layer doesn't model.
 #pragma once
 
-#include "machine/machine.h"
+#include "machine/fault_rules.h"
 
 #include <cstdint>
 #include <functional>
@@ -58,7 +58,7 @@ private:
     static constexpr std::size_t longest_run = 2'000'000; // calls; far above any run that ends by itself
 
     const std::vector<Fault>& faults_;
-    std::map<std::size_t, unsigned> fault_matches_;
+    FaultCounts fault_counts_;
     std::vector<JournalEntry> journal_;
     std::map<std::string, unsigned> counts_;
     std::vector<std::string> misuses_;

@@ -2,8 +2,7 @@
 #pragma once
 
 #include "calls/session.h"
-#include "machine/record_buffer.h"
-#include "machine/spooler_model.h"
+#include "machine/spooler_records.h"
 
 #include <windows.h>
 
@@ -43,17 +42,8 @@ bool good_enumeration(const BYTE* buffer, DWORD size, const DWORD* needed, const
 // The records into the caller's buffer, or the size that it must have.
 template<class Record>
 BOOL deliver(const RecordBuffer<Record>& records, BYTE* buffer, DWORD size, DWORD* needed, DWORD* returned) {
-    *needed = static_cast<DWORD>(records.bytes());
-    *returned = 0;
-    if (size < records.bytes()) {
-        if (buffer != nullptr)
-            std::memset(buffer, 0xCD, size);
-        return failed(ERROR_INSUFFICIENT_BUFFER);
-    }
-    if (records.count() != 0)
-        records.write(buffer);
-    *returned = static_cast<DWORD>(records.count());
-    return TRUE;
+    return deliver_records(records, buffer, size, needed, returned) ? TRUE
+                                                                    : failed(ERROR_INSUFFICIENT_BUFFER);
 }
 
 } // namespace platform

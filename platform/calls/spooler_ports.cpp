@@ -5,41 +5,7 @@
 
 namespace {
 
-using platform::RecordBuffer;
 using platform::session;
-
-// Records that hold a name and nothing else.
-template<class Record, class Source>
-RecordBuffer<Record> names(const std::vector<Source>& sources) {
-    RecordBuffer<Record> records;
-    for (const Source& source : sources) {
-        records.add();
-        records.text(&Record::pName, source.name);
-    }
-    return records;
-}
-
-RecordBuffer<PORT_INFO_2W> full_ports() {
-    RecordBuffer<PORT_INFO_2W> records;
-    for (const platform::PrintPort& port : session().machine.spooler.ports) {
-        records.add().fPortType = port.type;
-        records.text(&PORT_INFO_2W::pPortName, port.name);
-        records.text(&PORT_INFO_2W::pMonitorName, port.monitor);
-        records.text(&PORT_INFO_2W::pDescription, port.description);
-    }
-    return records;
-}
-
-RecordBuffer<MONITOR_INFO_2W> full_monitors() {
-    RecordBuffer<MONITOR_INFO_2W> records;
-    for (const platform::PortMonitor& monitor : session().machine.spooler.monitors) {
-        records.add();
-        records.text(&MONITOR_INFO_2W::pName, monitor.name);
-        records.text(&MONITOR_INFO_2W::pEnvironment, monitor.environment);
-        records.text(&MONITOR_INFO_2W::pDLLName, monitor.dll);
-    }
-    return records;
-}
 
 } // namespace
 
@@ -54,9 +20,10 @@ BOOL EnumPortsW(LPWSTR server, DWORD level, LPBYTE records, DWORD size, LPDWORD 
         return FALSE;
     const std::lock_guard lock(platform::spooler_lock());
     if (level == 2)
-        return platform::deliver(full_ports(), records, size, needed, returned);
-    return platform::deliver(names<PORT_INFO_1W>(session().machine.spooler.ports), records, size, needed,
-                             returned);
+        return platform::deliver(platform::port_records<PORT_INFO_2W>(session().machine.spooler.ports),
+                                 records, size, needed, returned);
+    return platform::deliver(platform::name_records<PORT_INFO_1W>(session().machine.spooler.ports), records,
+                             size, needed, returned);
 }
 
 BOOL EnumMonitorsW(LPWSTR server, DWORD level, LPBYTE records, DWORD size, LPDWORD needed, LPDWORD returned) {
@@ -70,9 +37,11 @@ BOOL EnumMonitorsW(LPWSTR server, DWORD level, LPBYTE records, DWORD size, LPDWO
         return FALSE;
     const std::lock_guard lock(platform::spooler_lock());
     if (level == 2)
-        return platform::deliver(full_monitors(), records, size, needed, returned);
-    return platform::deliver(names<MONITOR_INFO_1W>(session().machine.spooler.monitors), records, size,
-                             needed, returned);
+        return platform::deliver(
+            platform::monitor_records<MONITOR_INFO_2W>(session().machine.spooler.monitors), records, size,
+            needed, returned);
+    return platform::deliver(platform::name_records<MONITOR_INFO_1W>(session().machine.spooler.monitors),
+                             records, size, needed, returned);
 }
 
 BOOL AddMonitorW(LPWSTR server, DWORD level, LPBYTE monitor) {

@@ -6,45 +6,7 @@
 
 namespace {
 
-using platform::RecordBuffer;
 using platform::session;
-
-constexpr DWORD pending_deletion = 4; // PRINTER_STATUS_PENDING_DELETION
-constexpr DWORD lowest_priority = 1;  // what a queue added with priority 0 gets
-
-RecordBuffer<PRINTER_INFO_1W> brief_records() {
-    RecordBuffer<PRINTER_INFO_1W> records;
-    for (const platform::PrintQueue& queue : session().machine.spooler.queues) {
-        records.add().Flags = PRINTER_ENUM_ICON8;
-        records.text(&PRINTER_INFO_1W::pDescription, queue.name + u"," + queue.driver + u",");
-        records.text(&PRINTER_INFO_1W::pName, queue.name);
-        records.text(&PRINTER_INFO_1W::pComment, u"");
-    }
-    return records;
-}
-
-// No server, device mode or security descriptor: those fields stay null.
-RecordBuffer<PRINTER_INFO_2W> full_records() {
-    RecordBuffer<PRINTER_INFO_2W> records;
-    for (const platform::PrintQueue& queue : session().machine.spooler.queues) {
-        PRINTER_INFO_2W& record = records.add();
-        record.Attributes = queue.attributes;
-        record.Priority = lowest_priority;
-        record.Status = queue.deleting ? pending_deletion : 0;
-        record.cJobs = queue.jobs;
-        records.text(&PRINTER_INFO_2W::pPrinterName, queue.name);
-        records.text(&PRINTER_INFO_2W::pShareName, u"");
-        records.text(&PRINTER_INFO_2W::pPortName, queue.port);
-        records.text(&PRINTER_INFO_2W::pDriverName, queue.driver);
-        records.text(&PRINTER_INFO_2W::pComment, u"");
-        records.text(&PRINTER_INFO_2W::pLocation, u"");
-        records.text(&PRINTER_INFO_2W::pSepFile, u"");
-        records.text(&PRINTER_INFO_2W::pPrintProcessor, queue.processor);
-        records.text(&PRINTER_INFO_2W::pDatatype, queue.datatype);
-        records.text(&PRINTER_INFO_2W::pParameters, u"");
-    }
-    return records;
-}
 
 std::u16string text_or_empty(const WCHAR* text) {
     return text == nullptr ? u"" : text;
@@ -79,9 +41,12 @@ BOOL EnumPrintersW(DWORD flags, LPWSTR name, DWORD level, LPBYTE records, DWORD 
         return FALSE;
     const std::lock_guard lock(platform::spooler_lock());
     if (level == 1)
-        return platform::deliver(brief_records(), records, size, needed, returned);
+        return platform::deliver(
+            platform::brief_queue_records<PRINTER_INFO_1W>(session().machine.spooler.queues), records, size,
+            needed, returned);
     if (level == 2)
-        return platform::deliver(full_records(), records, size, needed, returned);
+        return platform::deliver(platform::queue_records<PRINTER_INFO_2W>(session().machine.spooler.queues),
+                                 records, size, needed, returned);
     return platform::failed(ERROR_INVALID_LEVEL);
 }
 

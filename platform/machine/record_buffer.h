@@ -56,4 +56,22 @@ private:
     std::size_t text_bytes_ = 0;
 };
 
+// The records into the caller's buffer of `size` bytes, or false and the size that it must have. Both counts
+// are stored in any case; a buffer that is too small is poisoned.
+template<class Record, class Count>
+bool deliver_records(const RecordBuffer<Record>& records, void* buffer, Count size, Count* needed,
+                     Count* returned) {
+    *needed = static_cast<Count>(records.bytes());
+    *returned = 0;
+    if (size < records.bytes()) {
+        if (buffer != nullptr)
+            std::memset(buffer, 0xCD, size);
+        return false;
+    }
+    if (records.count() != 0)
+        records.write(buffer);
+    *returned = static_cast<Count>(records.count());
+    return true;
+}
+
 } // namespace platform
