@@ -10,6 +10,10 @@
 
 namespace rehearsal {
 
+// What can be written, for whoever asks.
+constexpr char action_help[] =
+    "press ID, select ROW, tick ID, untick ID, type ID TEXT, key enter, key escape, close";
+
 enum class Verb { press, select, tick, untick, type, key, close };
 
 struct Action {

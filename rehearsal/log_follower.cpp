@@ -7,7 +7,7 @@
 #include "machine/text.h"
 
 #include <fstream>
-#include <iterator>
+#include <sstream>
 
 namespace rehearsal {
 namespace {
@@ -60,7 +60,9 @@ std::string LogFollower::take() {
         return {};
     std::ifstream stream(file_, std::ios::binary);
     stream.seekg(static_cast<std::streamoff>(seen_));
-    const std::string fresh{std::istreambuf_iterator<char>(stream), {}};
+    std::ostringstream bytes;
+    bytes << stream.rdbuf();
+    const std::string fresh = bytes.str();
     seen_ += fresh.size();
     const std::string shown = ansi_to_utf8(fresh, platform::session().machine.code_page);
     text_ += shown;

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 
 namespace rehearsal {
 namespace {
@@ -71,6 +71,26 @@ void print_spooler(std::ostream& out, const Outcome& outcome) {
             << "\n";
 }
 
+// What was made or changed, each folder's own files together; a made folder without files is there too.
+std::map<std::string, std::vector<std::string>> files_by_folder(const Outcome& outcome) {
+    std::map<std::string, std::vector<std::string>> folders;
+    for (const auto& [path, file] : outcome.files_after) {
+        if (!was_made(outcome, path))
+            continue;
+        const std::size_t separator = path.rfind('\\');
+        if (file.folder)
+            folders[path];
+        else
+            folders[path.substr(0, separator)].push_back(path.substr(separator + 1));
+    }
+    return folders;
+}
+
+void print_link(std::ostream& out, const platform::LinkFile& link) {
+    out << "                  to " << to_utf8(link.target) << "\n                  in "
+        << to_utf8(link.working_folder) << ", \"" << to_utf8(link.description) << "\"\n";
+}
+
 std::filesystem::path on_linux(const std::filesystem::path& drive_c, std::string path) {
     path.erase(0, 3); // "C:\"
     std::replace(path.begin(), path.end(), '\\', '/');
@@ -79,7 +99,9 @@ std::filesystem::path on_linux(const std::filesystem::path& drive_c, std::string
 
 std::string read_bytes(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
+    std::ostringstream bytes;
+    bytes << stream.rdbuf();
+    return bytes.str();
 }
 
 } // namespace
@@ -102,18 +124,15 @@ void print_machine(std::ostream& out, const Outcome& outcome, const std::filesys
     out << "\n  == What the run left on the machine ==\n";
     print_spooler(out, outcome);
     const std::map<std::string, platform::LinkFile> links = read_shortcuts(outcome, drive_c);
-    for (const auto& [path, file] : outcome.files_after) {
-        if (!was_made(outcome, path))
-            continue;
-        out << "    " << (file.folder ? "folder    " : "file      ") << path;
-        if (!file.folder)
-            out << "  (" << file.size << " bytes)";
-        out << "\n";
-        const auto link = links.find(path);
-        if (link != links.end())
-            out << "                shortcut to " << to_utf8(link->second.target) << "\n                in "
-                << to_utf8(link->second.working_folder) << ", \"" << to_utf8(link->second.description)
-                << "\"\n";
+    for (const auto& [folder, files] : files_by_folder(outcome)) {
+        out << "    folder    " << folder << "\n";
+        for (const std::string& name : files) {
+            const std::string path = folder + "\\" + name;
+            out << "                " << name << "  (" << outcome.files_after.at(path).size << " bytes)\n";
+            const auto link = links.find(path);
+            if (link != links.end())
+                print_link(out, link->second);
+        }
     }
 }
 

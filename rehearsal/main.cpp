@@ -1,4 +1,5 @@
 // trk: rehearses the setup program without Windows.
+#include "rehearsal/action_script.h"
 #include "rehearsal/label_printer.h"
 #include "rehearsal/rehearse.h"
 #include "rehearsal/remove.h"
@@ -9,12 +10,21 @@ namespace {
 
 constexpr char version[] = "trk 0.0.0.36";
 
+constexpr char footer[] = R"(Each subcommand has a --help of its own, with an example. A first one:
+  trk rehearse samples/medium)";
+
+constexpr char drive_c_help[] =
+    "The folder that is its drive C; none: the machine's file with .drive-c behind it";
+
 constexpr char rehearse_footer[] =
-    R"(Exit status: 0 the run ended well; 1 a failure box, a failed step, or a script that couldn't
+    R"(
+
+Exit status: 0 the run ended well; 1 a failure box, a failed step, or a script that couldn't
 be followed; 2 wrong usage or an unreadable file; 3 the program asked for what the layer doesn't model.
 
 Example:
-  trk rehearse --machine laptop.json --script install.actions samples/medium)";
+  cp samples/machines/two_printers.json laptop.json
+  trk rehearse --machine laptop.json --script samples/install.actions samples/medium)";
 
 void add_rehearse(CLI::App& app, rehearsal::RehearseOptions& options) {
     CLI::App* const command =
@@ -22,23 +32,31 @@ void add_rehearse(CLI::App& app, rehearsal::RehearseOptions& options) {
     command->add_option("medium", options.medium, "The distribution folder")
         ->required()
         ->check(CLI::ExistingDirectory);
-    command->add_option("--machine", options.machine_file, "The machine before and, rewritten, after (JSON)")
+    command
+        ->add_option("--machine", options.machine_file,
+                     "The machine before and, rewritten, after (JSON); none: a fresh one that isn't kept")
         ->check(CLI::ExistingFile);
-    command->add_option("--drive-c", options.drive_c, "The folder that its drive C is");
-    command->add_option("--script", options.script, "The user's actions, one a line")
+    command->add_option("--drive-c", options.drive_c, drive_c_help);
+    command
+        ->add_option("--script", options.script,
+                     "The user's actions, one a line; none: a person at a terminal, else a user who leaves")
         ->check(CLI::ExistingFile);
     command->add_option("--command-line", options.command_line, "What the program gets as arguments");
     command->add_option("--report", options.report,
                         "The outcome as JSON, to a file or to standard output with -");
     command->add_flag("--quiet", options.quiet, "No running commentary");
-    command->footer(rehearse_footer);
+    command->footer(std::string("What a script or a person can do:\n  ") + rehearsal::action_help +
+                    rehearse_footer);
 }
 
 constexpr char remove_footer[] =
     R"(The remover is made of the library's operations alone: it lists the driver's queues, deletes them
 with their ports, and removes group, driver package and program folder.
 
-Example:
+Exit status: 0 all is gone; 1 something stayed, or there was nothing to remove; 2 wrong usage or an
+unreadable file; 3 the remover asked for what the layer doesn't model.
+
+Example; fresh.json is a copy of laptop.json from before the first rehearsal:
   trk remove --machine laptop.json --before fresh.json)";
 
 void add_remove(CLI::App& app, rehearsal::RemoveOptions& options) {
@@ -47,7 +65,7 @@ void add_remove(CLI::App& app, rehearsal::RemoveOptions& options) {
         ->add_option("--machine", options.machine_file, "The machine that rehearsals left behind; rewritten")
         ->required()
         ->check(CLI::ExistingFile);
-    command->add_option("--drive-c", options.drive_c, "The folder that its drive C is");
+    command->add_option("--drive-c", options.drive_c, drive_c_help);
     command->add_option("--model", options.model,
                         "The model's name; without it the only one that is installed");
     command
@@ -63,6 +81,7 @@ int main(int argc, char** argv) {
     CLI::App app{"Rehearses the setup program of the label printers without Windows"};
     app.set_version_flag("--version", version);
     app.require_subcommand(1);
+    app.footer(footer);
     rehearsal::RehearseOptions rehearse_options;
     add_rehearse(app, rehearse_options);
     rehearsal::RemoveOptions remove_options;

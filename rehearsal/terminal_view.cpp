@@ -8,12 +8,21 @@
 namespace rehearsal {
 namespace {
 
-constexpr std::size_t longest_text = 240; // bytes of a control's text that are shown
-constexpr std::size_t most_lines = 4;
+// Of an agreement or another long text that can be scrolled the beginning is shown, in bytes and lines; a
+// status is shown whole, as its news stand at the end.
+constexpr std::size_t longest_edit = 240;
+constexpr std::size_t most_edit_lines = 4;
+constexpr std::size_t whole = std::string::npos;
 
-// A control's text on one line, or on a few that stand below each other.
-std::string fold_text(const std::string& text) {
-    std::string out;
+std::string without_blanks_behind(std::string line) {
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line;
+}
+
+// A control's text on one line, or on several that stand below each other behind a bar.
+std::string fold_text(const std::string& text, std::size_t longest_text, std::size_t most_lines) {
+    const bool several = text.find('\n') != std::string::npos;
+    std::string out = several ? "| " : "";
     std::size_t lines = 1;
     for (std::size_t place = 0; place < text.size(); ++place) {
         const char letter = text[place];
@@ -22,7 +31,10 @@ std::string fold_text(const std::string& text) {
         const bool too_long = out.size() >= longest_text && (letter & 0xC0) != 0x80;
         if (too_long || (letter == '\n' && ++lines > most_lines))
             return out + " ... (" + std::to_string(text.size()) + " bytes in all)";
-        out += letter == '\n' ? std::string("\n                 | ") : std::string(1, letter);
+        if (letter == '\n')
+            out = without_blanks_behind(out) + "\n                 | ";
+        else
+            out += letter;
     }
     while (!out.empty() && (out.back() == ' ' || out.back() == '|' || out.back() == '\n'))
         out.pop_back();
@@ -38,10 +50,12 @@ std::string face(const platform::ControlView& control) {
         return (control.checked ? "[x] " : "[ ] ") + control.text;
     if (control.kind == "picture")
         return "(picture)";
-    if (control.kind == "edit")
-        return "| " + fold_text(control.text);
+    if (control.kind == "edit") {
+        const bool one_line = control.text.find('\n') == std::string::npos;
+        return (one_line ? "| " : "") + fold_text(control.text, longest_edit, most_edit_lines);
+    }
     if (control.kind != "list")
-        return fold_text(control.text);
+        return fold_text(control.text, whole, whole);
     std::string rows = control.rows.empty() ? "(empty)" : "";
     for (std::size_t row = 0; row < control.rows.size(); ++row) {
         std::string text = control.rows[row];
@@ -66,6 +80,14 @@ bool looks_alike(const platform::DialogView& a, const platform::DialogView& b) {
     return a.caption == b.caption && a.visible == b.visible && a.enabled == b.enabled &&
            std::equal(a.controls.begin(), a.controls.end(), b.controls.begin(), b.controls.end(),
                       [](const auto& x, const auto& y) { return looks_alike(x, y); });
+}
+
+// Whether the same controls can be seen and used: the rest then needn't be drawn again.
+bool same_shape(const platform::DialogView& a, const platform::DialogView& b) {
+    return a.caption == b.caption && a.visible && b.visible &&
+           std::equal(
+               a.controls.begin(), a.controls.end(), b.controls.begin(), b.controls.end(),
+               [](const auto& x, const auto& y) { return x.visible == y.visible && x.enabled == y.enabled; });
 }
 
 const platform::ControlView* find(const platform::DialogView* dialog, int id) {
@@ -104,16 +126,23 @@ std::string draw_dialog(const platform::DialogView& dialog, const platform::Dial
         constexpr int line_height = 8; // what stands this close to each other reads as one line
         return std::pair(a.top / line_height, a.left) < std::pair(b.top / line_height, b.left);
     });
+    const bool changes_only = before != nullptr && same_shape(*before, dialog);
     for (const platform::ControlView& control : controls) {
-        if (!control.visible)
-            continue;
         const platform::ControlView* const old = find(before, control.id);
         const bool changed = before != nullptr && (old == nullptr || !looks_alike(*old, control));
-        out << (changed ? "   * " : "     ") << padded(std::to_string(control.id), 5)
-            << padded(control.enabled ? "" : "greyed", 7) << face(control) << "\n";
+        if (!control.visible || (changes_only && !changed))
+            continue;
+        const std::string line = (changed ? "   * " : "     ") + padded(std::to_string(control.id), 5) +
+                                 padded(control.enabled ? "" : "greyed", 7) + face(control);
+        out << without_blanks_behind(line) << "\n";
     }
-    out << hidden_controls(dialog.controls);
+    out << (changes_only ? "     ...\n" : hidden_controls(dialog.controls));
     return out.str();
+}
+
+TerminalView::~TerminalView() {
+    if (!log_line_.empty())
+        end_log_line();
 }
 
 void TerminalView::action(const std::string& shown) {
@@ -149,18 +178,20 @@ void TerminalView::look_at_log() {
     out_ << std::flush;
 }
 
+// The program writes some lines in pieces; only whole ones are shown, so that nothing comes in between.
 void TerminalView::print_log() {
-    const std::string fresh = log.take();
-    if (quiet_)
-        return;
-    for (const char letter : fresh) {
-        if (letter == '\r')
-            continue;
-        if (at_line_start_)
-            out_ << "  log | ";
-        out_ << letter;
-        at_line_start_ = letter == '\n';
+    for (const char letter : log.take()) {
+        if (letter == '\n')
+            end_log_line();
+        else if (letter != '\r')
+            log_line_ += letter;
     }
+}
+
+void TerminalView::end_log_line() {
+    if (!quiet_)
+        out_ << without_blanks_behind("  log | " + log_line_) << "\n";
+    log_line_.clear();
 }
 
 void TerminalView::print_dialogs() {

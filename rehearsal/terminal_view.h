@@ -13,12 +13,16 @@
 namespace rehearsal {
 
 // Text for one dialog: caption, what can be seen in reading order, and what is hidden. Lines that differ from
-// the same dialog's last text begin with an asterisk.
+// the same dialog's last text begin with an asterisk; only they are given, and "..." for the rest, when the
+// same controls can still be seen and used.
 std::string draw_dialog(const platform::DialogView& dialog, const platform::DialogView* before);
 
 class TerminalView {
 public:
     TerminalView(std::ostream& out, bool quiet) : out_(out), quiet_(quiet) {}
+    ~TerminalView();
+    TerminalView(const TerminalView&) = delete;
+    TerminalView& operator=(const TerminalView&) = delete;
 
     void action(const std::string& shown);
     void box(const platform::BoxView& box);
@@ -30,13 +34,14 @@ public:
 
 private:
     void print_log();
+    void end_log_line();
     void print_dialogs();
 
     std::ostream& out_;
     const bool quiet_;
     std::mutex mutex_;
     std::map<int, platform::DialogView> last_;
-    bool at_line_start_ = true;
+    std::string log_line_; // begun, and not ended yet
 };
 
 } // namespace rehearsal

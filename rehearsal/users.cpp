@@ -1,5 +1,7 @@
 #include "rehearsal/users.h"
 
+#include <utility>
+
 namespace rehearsal {
 
 void ViewedUser::box(const platform::BoxView& view) {
@@ -8,17 +10,28 @@ void ViewedUser::box(const platform::BoxView& view) {
 }
 
 bool ScriptUser::act() {
-    if (next_ == actions_.size() || !problem.empty())
+    if (left_)
         return false;
+    if (next_ == actions_.size())
+        return leave("leaves");
     const Action& action = actions_[next_++];
     view_.action(action.shown);
     const std::string reason = perform(action);
-    if (!reason.empty())
-        problem = "line " + std::to_string(action.line) + ": " + action.shown + ": " + reason;
-    return reason.empty();
+    if (reason.empty())
+        return true;
+    problem = "line " + std::to_string(action.line) + ": " + action.shown + ": " + reason;
+    return leave("can't do that, as " + reason + ", and leaves");
+}
+
+bool ScriptUser::leave(const std::string& shown) {
+    left_ = true;
+    view_.action(shown);
+    return false;
 }
 
 bool Person::act() {
+    if (!std::exchange(asked_, true))
+        out_ << "\n" << action_help << "; quit leaves\n";
     for (;;) {
         out_ << "\n> " << std::flush;
         std::string line;

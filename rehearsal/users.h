@@ -34,8 +34,11 @@ public:
     bool act() override;
 
 private:
+    bool leave(const std::string& shown);
+
     std::vector<Action> actions_;
     std::size_t next_ = 0;
+    bool left_ = false;
 };
 
 // Asks for one action after the other; a mistake is told and asked again. Leaves at the end of the input.
@@ -47,6 +50,7 @@ public:
 private:
     std::istream& in_;
     std::ostream& out_;
+    bool asked_ = false;
 };
 
 } // namespace rehearsal
