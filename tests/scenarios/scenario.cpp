@@ -1,7 +1,11 @@
 #include "scenarios/scenario.h"
 
+#include "rehearsal/difference.h"
 #include "rehearsal/program_run.h"
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <stdexcept>
 
 namespace fs = std::filesystem;
@@ -37,9 +41,11 @@ private:
     std::size_t next_ = 0;
 };
 
+} // namespace
+
 // A reply as a printer sends it: the header of an attribute reply of RFC 2608 (section 10.4) with the
 // language tag "en", the attribute list, and no authentication blocks.
-platform::ScriptedDatagram reply(const std::string& from, const std::string& attributes) {
+platform::ScriptedDatagram slp_reply(const std::string& from, const std::string& attributes) {
     const std::size_t length = 20 + attributes.size() + 1;
     const auto byte = [](std::size_t value) { return static_cast<std::uint8_t>(value & 0xff); };
     std::vector<std::uint8_t> bytes = {2,
@@ -67,8 +73,6 @@ platform::ScriptedDatagram reply(const std::string& from, const std::string& att
     return {from, bytes};
 }
 
-} // namespace
-
 const std::vector<std::string> network_install = {"press 1014", "select 0",  "tick 1007",
                                                   "press 1015", "tick 1011", "press 1"};
 const std::vector<std::string> usb_install = {"press 1013", "tick 1011", "press 1"};
@@ -81,12 +85,13 @@ Scenario::Scenario()
     adapter.description = "Ethernet";
     adapter.addresses = {"10.0.0.2"};
     const std::vector<platform::ScriptedDatagram> answers = {
-        reply("10.0.0.7",
-              "(printer-name=Shelf A),(ieee1284-id=MFG:Vorlane;MDL:Label_100_Series;CLS:PRINTER;)"),
-        reply("10.0.0.9", "(printer-name=Other),(ieee1284-id=MFG:Vorlane;MDL:Label_200_Series;CLS:PRINTER;)"),
-        reply("10.0.0.10", ""),
-        reply("10.0.0.8",
-              "(printer-name=Shelf B),(ieee1284-id=MFG:Vorlane;MDL:Label_100_Series;CLS:PRINTER;)"),
+        slp_reply("10.0.0.7",
+                  "(printer-name=Shelf A),(ieee1284-id=MFG:Vorlane;MDL:Label_100_Series;CLS:PRINTER;)"),
+        slp_reply("10.0.0.9",
+                  "(printer-name=Other),(ieee1284-id=MFG:Vorlane;MDL:Label_200_Series;CLS:PRINTER;)"),
+        slp_reply("10.0.0.10", ""),
+        slp_reply("10.0.0.8",
+                  "(printer-name=Shelf B),(ieee1284-id=MFG:Vorlane;MDL:Label_100_Series;CLS:PRINTER;)"),
     };
     adapter.searches = {answers, answers, answers};
     machine.adapters = {adapter};
@@ -100,6 +105,19 @@ fs::path Scenario::own_medium() {
     return copy;
 }
 
+void Scenario::add_driver(std::uint64_t version) {
+    platform::PrinterDriver driver;
+    driver.name = u"Label 100 Driver";
+    driver.version = version;
+    machine.spooler.drivers.push_back(driver);
+}
+
+void Scenario::add_queue(const std::u16string& name) {
+    platform::PrintQueue queue = machine.spooler.queues.front();
+    queue.name = name;
+    machine.spooler.queues.push_back(queue);
+}
+
 rehearsal::Outcome Scenario::run() {
     ListedUser user(actions);
     rehearsal::LogFollower log;
@@ -108,10 +126,36 @@ rehearsal::Outcome Scenario::run() {
     run.medium = medium_;
     run.command_line = command_line;
     run.on_call = on_call;
+    run.entry = entry;
     rehearsal::Outcome outcome = rehearsal::run_program(run, machine, user, log);
     outcome.boxes = user.boxes;
     outcome.problem = user.problem;
     return outcome;
+}
+
+bool has(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
+    for (std::size_t place = text.find(from); place != text.npos; place = text.find(from, place + to.size()))
+        text.replace(place, from.size(), to);
+    return text;
+}
+
+std::string mask_store(std::string text) {
+    const std::string repository = "C:\\Windows\\System32\\DriverStore\\FileRepository\\";
+    for (std::size_t place = text.find(repository); place != text.npos; place = text.find(repository)) {
+        const std::size_t end = text.find('\\', place + repository.size());
+        text.replace(place, end - place, "<store>");
+    }
+    return text;
+}
+
+void replace_in_file(const fs::path& file, const std::string& from, const std::string& to) {
+    const std::string old = TestSession::read(file);
+    EXPECT_TRUE(has(old, from)) << file;
+    TestSession::write(file, replaced(old, from, to));
 }
 
 std::string caption_of(const rehearsal::Outcome& outcome, int dialog) {
@@ -134,4 +178,53 @@ const platform::PrintQueue* queue_of(const rehearsal::Outcome& outcome, const st
         if (queue.name == name)
             return &queue;
     return nullptr;
+}
+
+std::string shown_controls(const rehearsal::Outcome& outcome) {
+    const struct {
+        int id;
+        const char* name;
+    } controls[] = {{1013, "usb"},     {1014, "network"}, {1003, "list"},    {1007, "default"},
+                    {1015, "install"}, {1017, "refresh"}, {1016, "address"}, {2, "cancel"}};
+    std::string text;
+    for (const auto& [id, name] : controls)
+        if (const platform::ControlView& control = control_of(outcome, 105, id); control.visible)
+            text += (text.empty() ? "" : " ") + std::string(name) + (control.enabled ? "" : "-");
+    return text;
+}
+
+std::string status_of(const rehearsal::Outcome& outcome) {
+    return control_of(outcome, 105, 1009).text;
+}
+
+std::string boxes_of(const rehearsal::Outcome& outcome) {
+    std::string text;
+    for (const platform::BoxView& box : outcome.boxes) {
+        const std::string sign = box.flags == 0x40030 ? "!" : box.flags == 0x40000 ? "" : "?";
+        text += (text.empty() ? "" : " / ") + sign + box.caption + ": " + box.text;
+    }
+    return text;
+}
+
+std::string changes_of(const rehearsal::Outcome& outcome) {
+    const rehearsal::MachineState before = {outcome.before, {}};
+    const rehearsal::MachineState after = {outcome.after, {}};
+    std::string text;
+    for (const std::string& line : rehearsal::difference(before, after))
+        text += (text.empty() ? "" : ", ") + line;
+    return mask_store(text);
+}
+
+unsigned calls_of(const rehearsal::Outcome& outcome, const std::string& call) {
+    return static_cast<unsigned>(
+        std::count_if(outcome.journal.begin(), outcome.journal.end(),
+                      [&](const platform::JournalEntry& entry) { return entry.call == call; }));
+}
+
+void expect_clean(const rehearsal::Outcome& outcome) {
+    EXPECT_EQ(outcome.refusal, "");
+    EXPECT_EQ(outcome.problem, "");
+    EXPECT_EQ(outcome.exit_code, 0);
+    EXPECT_EQ(outcome.misuses, std::vector<std::string>{});
+    EXPECT_EQ(outcome.leaks, std::vector<std::string>{});
 }
