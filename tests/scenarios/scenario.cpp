@@ -97,6 +97,12 @@ Scenario::Scenario()
     machine.adapters = {adapter};
 }
 
+Scenario::Scenario(const Scenario& other)
+    : machine(other.machine), command_line(other.command_line), actions(other.actions),
+      on_call(other.on_call), entry(other.entry), drive_c_(folder_.path / "c"), medium_(other.medium_) {
+    fs::copy(other.drive_c_, drive_c_, fs::copy_options::recursive);
+}
+
 fs::path Scenario::own_medium() {
     const fs::path copy = folder_.path / "medium";
     if (medium_ != copy)

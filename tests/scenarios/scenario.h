@@ -15,6 +15,8 @@ public:
     // and an agent with nothing to offer answer every search, at a fixed time. The medium is the sample's,
     // read in place.
     Scenario();
+    // The same machine with a copy of the drive; the medium is shared and has to live as long.
+    Scenario(const Scenario& other);
 
     platform::Machine machine;
     std::string command_line;
