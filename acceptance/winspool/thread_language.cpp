@@ -7,9 +7,39 @@
 
 namespace {
 
-// Wine looks resources up by the thread's locale; on the platform it's the thread's language, a thing apart.
+constexpr unsigned locale_in_thread = 0x108; // CurrentLocale of a 64-bit thread's environment block
+
+// What a program has its texts in, as near to the wanted language as there is.
+struct Choice {
+    LANGID wanted = 0;
+    LANGID found = 0;
+    int nearness = 0; // 1 another country's form, 2 the neutral form, 3 the very language
+};
+
+BOOL CALLBACK look_at_language(HMODULE, LPCWSTR, LPCWSTR, WORD language, LONG_PTR place) {
+    Choice& choice = *reinterpret_cast<Choice*>(place);
+    if (PRIMARYLANGID(language) != PRIMARYLANGID(choice.wanted))
+        return TRUE;
+    const int nearness = language == choice.wanted ? 3 : SUBLANGID(language) == SUBLANG_NEUTRAL ? 2 : 1;
+    if (nearness > choice.nearness) {
+        choice.found = language;
+        choice.nearness = nearness;
+    }
+    return TRUE;
+}
+
+BOOL CALLBACK look_at_texts(HMODULE module, LPCWSTR type, LPWSTR name, LONG_PTR place) {
+    return EnumResourceLanguagesW(module, type, name, look_at_language, place);
+}
+
+// Wine looks resources up by the thread's locale, without falling back from a country's form to the neutral
+// one, and SetThreadLocale turns a neutral language into a country's. So the language that the program has is
+// found here, and stored where SetThreadLocale stores it.
 LANGID WINAPI set_thread_language(LANGID language) {
-    return SetThreadLocale(MAKELCID(language, SORT_DEFAULT)) ? language : LANGID{0};
+    Choice choice{language};
+    EnumResourceNamesW(nullptr, RT_STRING, look_at_texts, reinterpret_cast<LONG_PTR>(&choice));
+    __writegsdword(locale_in_thread, choice.nearness == 0 ? language : choice.found);
+    return language;
 }
 
 FARPROC WINAPI find_function(HMODULE library, LPCSTR name) {
