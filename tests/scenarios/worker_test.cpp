@@ -2,6 +2,7 @@
 #include "app/app_state.h"
 #include "calls/user_input.h"
 #include "scenarios/scenario.h"
+#include "support/install_log.h"
 
 #include <gtest/gtest.h>
 
@@ -17,20 +18,24 @@ public:
     explicit InMidInstall(std::function<void(InMidInstall&)> act) : act_(std::move(act)) {}
 
     void operator()(const platform::JournalEntry& entry) {
-        if (entry.call == "GetMessageW") {
+        if (entry.call == "MessageBoxW" && entry.thread == 0)
+            ended_ = true;
+        if (entry.call == "GetMessageW")
             ++taken_;
-            taken_.notify_all();
+        if (entry.call == "GetMessageW" || ended_) {
+            ++steps_;
+            steps_.notify_all();
         } else if (entry.call == "CopyFileW" && entry.nth == 1) {
             act_(*this);
         }
     }
 
-    // Until the main thread has taken everything that was posted, `posted` messages, and is back for more.
-    // One more is posted so that it comes back wherever it is now.
+    // Until the main thread has taken everything that was posted, `posted` messages, and is back for more, or
+    // has ended the run. One more is posted so that it comes back wherever it is now.
     void wait_until_taken(unsigned posted, unsigned taken_before) {
         PostMessageW(app.main_dialog, WM_NULL, 0, 0);
-        for (unsigned now = taken_; now < taken_before + posted + 1; now = taken_)
-            taken_.wait(now);
+        for (unsigned now = steps_; taken_ < taken_before + posted + 1 && !ended_; now = steps_)
+            steps_.wait(now);
     }
 
     unsigned taken() const { return taken_; }
@@ -38,6 +43,8 @@ public:
 private:
     std::function<void(InMidInstall&)> act_;
     std::atomic<unsigned> taken_ = 0;
+    std::atomic<bool> ended_ = false; // the end's box is shown
+    std::atomic<unsigned> steps_ = 0; // changes with either
 };
 
 TEST(WorkerAtWork, NothingEndsOrDisturbsTheInstall) {
@@ -66,8 +73,10 @@ TEST(WorkerAtWork, NothingEndsOrDisturbsTheInstall) {
                                                  "control 1016 is greyed", "control 1017 is greyed", "", "",
                                                  "", "", ""}));
     EXPECT_EQ(boxes_of(outcome), success);
+    EXPECT_TRUE(outcome.dialogs.front().visible) << "nothing has closed it";
     EXPECT_EQ(calls_of(outcome, "_beginthread"), 1u);
     EXPECT_EQ(calls_of(outcome, "CreateDialogParamW"), 2u);
+    EXPECT_EQ(outcome.log.find("Search for model"), outcome.log.rfind("Search for model"));
     EXPECT_EQ(shown_controls(outcome), "list default install- refresh- address- cancel-");
     ASSERT_NE(queue_of(outcome, u"Label 100 Series"), nullptr);
     EXPECT_EQ(queue_of(outcome, u"Label 100 Series")->port, u"TRK_10.0.0.7") << "the row at the start counts";
@@ -88,6 +97,23 @@ TEST(WorkerAtWork, UsbRoadKeepsTheListsButtonsHidden) {
     EXPECT_EQ(answers, (std::vector<std::string>{"control 2 is greyed", "control 1013 is greyed",
                                                  "control 1014 is greyed", "control 1016 is hidden",
                                                  "control 1017 is hidden"}));
+}
+
+// The loop may break down while the worker writes: its handle's value is then nobody's, or another file's.
+TEST(WorkerAtWork, WritesNothingToALogThatWasClosed) {
+    TestSession test;
+    platform::Session& session = test.start();
+    const HANDLE log = app.log_handle;
+    log_write(log, TEXT("before\r\n"));
+    close_log();
+    log_write(log, TEXT("behind\r\n"));
+    log_line(TEXT("behind\r\n"));
+    EXPECT_EQ(test.log(), "before\r\n");
+    EXPECT_EQ(session.gate.misuses(), std::vector<std::string>{});
+    WCHAR path[256];
+    app.log_handle = open_log(TEXT("trk_install"), TEXT(".log"), path, static_cast<DWORD>(std::size(path)));
+    log_line(TEXT("anew\r\n"));
+    EXPECT_EQ(test.log(), "before\r\nanew\r\n");
 }
 
 // The log's name was taken in the temp folder that everybody may write to.
