@@ -1,7 +1,10 @@
 // What the user can do between the start and the install: the list, the typed address and the terms page.
+#include "app/ip_dialog.h"
 #include "scenarios/scenario.h"
 
 #include <gtest/gtest.h>
+
+#include <utility>
 
 namespace {
 
@@ -60,6 +63,34 @@ TEST(AddressDialog, TakesAddressesByTheirForm) {
     EXPECT_EQ(control_of(outcome, 105, 1003).rows, rows);
     EXPECT_EQ(shown_controls(outcome), network_mode) << "a new row isn't selected";
     EXPECT_EQ(caption_of(outcome, 104), "ZR Series Installer");
+}
+
+TEST(AddressDialog, ModalFormHandsTheTextOver) {
+    const struct {
+        std::string typed;
+        const char* button;
+        int result;
+        std::string text;
+    } table[] = {
+        {"not checked", "press 1", 1, "not checked"},
+        {"10.0.0.7", "press 2", 0, "untouched"},
+        {"10.0.0.7", "close", 0, "untouched"},
+        {std::string(300, 'x'), "press 1", 1, std::string(255, 'x')},
+    };
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.typed + ", " + row.button);
+        Scenario scenario;
+        char text[300] = "untouched";
+        scenario.actions = {"type 1000 " + row.typed, row.button};
+        scenario.entry = [&text](HINSTANCE instance, char*) {
+            app.app_instance = instance;
+            return ask_address_text(text, sizeof text);
+        };
+        Outcome outcome = scenario.run();
+        EXPECT_EQ(std::exchange(outcome.exit_code, 0), row.result);
+        expect_clean(outcome);
+        EXPECT_EQ(text, row.text);
+    }
 }
 
 TEST(AddressDialog, ATypedPrinterIsInstalledWithoutANetwork) {
