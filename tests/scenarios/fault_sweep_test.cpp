@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -77,6 +78,10 @@ bool gives_back(const std::string& call) {
 }
 
 void check_ended_cleanly(const Outcome& outcome, const FailingCall& call) {
+    const bool struck = std::any_of(outcome.journal.begin(), outcome.journal.end(),
+                                    [](const platform::JournalEntry& entry) { return entry.failed; });
+    // How often the loop goes round while the worker lives depends on the threads.
+    EXPECT_TRUE(struck || call.name == "GetMessageW");
     EXPECT_EQ(outcome.refusal, "");
     EXPECT_EQ(outcome.misuses, std::vector<std::string>{});
     if (!gives_back(call.name)) {
