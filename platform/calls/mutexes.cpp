@@ -106,8 +106,8 @@ HANDLE CreateMutexW(SECURITY_ATTRIBUTES* security, BOOL owned, LPCWSTR name) {
 }
 
 BOOL ReleaseMutex(HANDLE handle) {
-    // The owner's release has no way to fail: a fault would leave a mutex that nobody can take any more, which
-    // no platform does.
+    // The owner's release has no way to fail: a fault would leave a mutex that nobody can take any more,
+    // which no platform does.
     const Call call("ReleaseMutex", kind_of(handle));
     const auto mutex = session().handles.find<MutexObject>(handle);
     if (!mutex) {

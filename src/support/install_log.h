@@ -22,7 +22,8 @@ HANDLE open_log(const WCHAR* name, const WCHAR* extension, WCHAR* path, DWORD si
 void close_log();
 
 // Writes the text, in the ANSI code page, to the end of the file, whole and flushed, from any thread. Does
-// nothing with INVALID_HANDLE_VALUE, nor with a log that close_log has closed since the caller took its handle.
+// nothing with INVALID_HANDLE_VALUE, nor with a log that close_log has closed since the caller took its
+// handle.
 void log_write(HANDLE handle, const WCHAR* text);
 
 // Composes a line as format_text does and writes it to the run's log. A line beyond its capacity
