@@ -1,5 +1,8 @@
 #include "rehearsal/outcome.h"
 
+#include "machine/fault_rules.h"
+
+#include <set>
 #include <sstream>
 #include <utility>
 
@@ -76,6 +79,19 @@ std::vector<std::string> find_failures(const Outcome& outcome) {
             failures.push_back("box: " + box.text);
     }
     return failures;
+}
+
+std::vector<std::string> find_idle_faults(const Outcome& outcome) {
+    platform::FaultCounts counts;
+    std::set<const platform::Fault*> struck;
+    for (const platform::JournalEntry& entry : outcome.journal)
+        if (entry.can_fail)
+            struck.insert(counts.due(outcome.before.faults, entry.call, entry.argument));
+    std::vector<std::string> idle;
+    for (const platform::Fault& fault : outcome.before.faults)
+        if (!struck.contains(&fault))
+            idle.push_back(fault.call);
+    return idle;
 }
 
 bool was_made(const Outcome& outcome, const std::string& path) {

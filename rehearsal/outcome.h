@@ -30,6 +30,9 @@ struct Outcome {
 // Lines of the log that tell of a failure, wherever the run then led, and the failure boxes.
 std::vector<std::string> find_failures(const Outcome& outcome);
 
+// The calls that faults name without ever having struck: the call didn't come, or not so often.
+std::vector<std::string> find_idle_faults(const Outcome& outcome);
+
 // Whether the path is new or changed.
 bool was_made(const Outcome& outcome, const std::string& path);
 

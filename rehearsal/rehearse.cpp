@@ -73,6 +73,8 @@ int judge(const RehearseOptions& options, const Outcome& outcome) {
         std::cerr << "trk: the run was stopped: " << outcome.refusal << "\n";
         return layer_refused;
     }
+    for (const std::string& call : find_idle_faults(outcome))
+        std::cerr << "trk: note: the fault of " << call << " never struck\n";
     int status = ended_well;
     const auto complain = [&](const std::string& what) {
         std::cerr << "trk: " << what << "\n";
