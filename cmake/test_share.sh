@@ -7,7 +7,7 @@ count() {
         grep -c '[^[:space:]]'
 }
 tests=$(count tests)
-all=$(count src platform rehearsal tests tools $([ -d windows ] && echo windows))
+all=$(count src platform rehearsal acceptance tests tools windows)
 awk -v tests="$tests" -v all="$all" 'BEGIN {
     share = 100 * tests / all
     printf "tests: %d of %d lines of code, %.1f %%\n", tests, all, share
