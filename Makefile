@@ -1,12 +1,13 @@
 # Two commands do everything on a fresh Debian 12: `make run` and `make test`. CMake presets stand behind them.
 JOBS ?= $(shell nproc)
 
-.PHONY: help run test windows linux packages pictures format clean
+.PHONY: help run test wine windows linux packages pictures format clean
 .DEFAULT_GOAL := help
 
 help:
 	@echo "make run      build for Linux and rehearse a complete install with printers on real sockets"
 	@echo "make test     build for Windows and Linux, run all tests, check the Windows programs"
+	@echo "make wine     run the real 64-bit program under Wine and hold it against the rehearsal"
 	@echo "make windows  the two Windows programs and the library, stripped, in dist/"
 	@echo "make linux    the rehearsal tool alone, in build/linux"
 	@echo "make format   bring the sources into the project's layout"
@@ -33,6 +34,14 @@ test: windows
 	@cmake/build.sh $(JOBS) test
 	@cmake/test_share.sh
 	@ctest --preset test --parallel $(JOBS) --output-on-failure
+
+# SCENARIOS names the wanted ones of acceptance/scenarios; without it all run.
+wine: packages
+	@cmake/install_packages.sh debian-packages-wine.txt
+	@cmake/build.sh $(JOBS) linux windows-x86_64
+	@cmake --build --preset linux --parallel $(JOBS) --target trk_acceptance
+	@cmake --build --preset windows-x86_64 --parallel $(JOBS) --target trk_acceptance
+	@acceptance/run_wine.sh $(SCENARIOS)
 
 pictures:
 	@mkdir -p build

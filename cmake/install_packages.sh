@@ -1,8 +1,9 @@
 #!/bin/sh
-# Installs what is missing of cmake/debian-packages.txt from Debian's packages. When nothing is missing it only asks
-# the package database, so that a second run costs nothing and needs no network.
+# Installs what is missing of a package list of this folder, debian-packages.txt or the one named, from Debian's
+# packages. When nothing is missing it only asks the package database, so that a second run costs nothing and needs
+# no network.
 set -eu
-list=$(dirname "$0")/debian-packages.txt
+list=$(dirname "$0")/${1:-debian-packages.txt}
 wanted=$(sed -e 's/#.*//' "$list")
 
 # Elsewhere than on Debian the packages have other names, and what is missing shows in the build.

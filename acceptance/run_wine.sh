@@ -1,0 +1,240 @@
+#!/bin/bash
+# make wine: the real 64-bit program under Wine and the rehearsal of the same scenario, held against each other.
+#
+#   acceptance/run_wine.sh [SCENARIO]...     none: all of acceptance/scenarios
+#
+# A scenario is a folder with machine.json and the actions of one or more runs on that machine, run1.actions, ...
+# Its file `setting`, where there is one, has lines of these words:
+#   network none       runs without any adapter, not among the printers
+#   locale NAME        the system's locale, such as de_DE (code page UTF-8 outside, Windows' own inside)
+#   without PATH       takes a file off the medium
+#   plant NAME...      lays libraries of these names beside the program that leave a file on C: when they are loaded
+#   system NAME        the version of Windows by winecfg's name; else win10
+#   language WORD      puts the language into the medium's settings.inf
+#
+# Everything lies in build/wine: a prefix made once, and for each scenario a copy of it, both platforms' machines,
+# records and logs. The user's own prefix is never touched. Nothing needs a display.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+readonly root=$PWD
+readonly state=${TRK_WINE_STATE:-$root/build/wine}
+readonly trk=${TRK_TOOL:-$root/build/linux/rehearsal/trk}
+readonly compare=${TRK_COMPARE:-$root/build/linux/acceptance/trk_compare}
+readonly windows=${TRK_WINDOWS_BUILD:-$root/build/windows-x86_64}
+readonly program=$windows/src/trk_setup64.exe
+readonly template=$state/template
+readonly make_timeout=180 # seconds, for a prefix on a busy machine
+readonly run_timeout=90   # what the pilot gives a run
+readonly hang_timeout=150 # what a run may take when the pilot itself hangs
+
+export WINEARCH=win64 WINEDEBUG=-all
+export WINEDLLOVERRIDES='mscoree=;mshtml=;winemenubuilder.exe=d;winedbg.exe=d;winspool.drv=n,b'
+unset DISPLAY WAYLAND_DISPLAY
+
+say() { echo "wine: $*" >&2; }
+
+# Ends the prefix's server and with it every program in it.
+stop_server() { WINEPREFIX=$1 timeout 20 wineserver -k 2>/dev/null || true; }
+
+# A prefix of this Wine version, without a display driver. It is made aside and then put in place, so that one
+# that was interrupted isn't taken for a ready one.
+make_template() {
+    local version fresh=$template.new
+    version=$(wine --version)
+    [ "$(cat "$template/version" 2>/dev/null)" != "$version" ] || return 0
+    say "making a prefix for $version"
+    rm -rf "$template" "$fresh"
+    mkdir -p "$state"
+    WINEPREFIX=$fresh timeout "$make_timeout" wineboot -i >"$state/template.log" 2>&1
+    WINEPREFIX=$fresh timeout "$make_timeout" wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f \
+        >>"$state/template.log" 2>&1
+    WINEPREFIX=$fresh timeout "$make_timeout" winecfg -v win10 >>"$state/template.log" 2>&1
+    WINEPREFIX=$fresh timeout "$make_timeout" wineserver -w
+    rm -f "$fresh/drive_c/windows/system32/winspool.drv"
+    mkdir -p "$fresh/drive_c/windows/system32/DriverStore/FileRepository"
+    echo "$version" >"$fresh/version"
+    mv "$fresh" "$template"
+}
+
+# The locales that scenarios ask for; most machines have but one or two.
+make_locale() {
+    [ -d "$state/locales/$1.UTF-8" ] || {
+        mkdir -p "$state/locales"
+        localedef -i "$1" -f UTF-8 "$state/locales/$1.UTF-8"
+    }
+}
+
+# A prefix for one scenario. Wine's own files are links to the template's, as they are large and nobody writes them;
+# all else is copied.
+make_prefix() { # PREFIX MEDIUM-PARENT
+    local prefix=$1 folder
+    mkdir -p "$prefix/drive_c" "$prefix/dosdevices"
+    cp -a "$template"/*.reg "$template/.update-timestamp" "$prefix/"
+    for folder in "$template"/drive_c/*; do
+        [ "${folder##*/}" = windows ] || cp -a "$folder" "$prefix/drive_c/"
+    done
+    cp -rs "$template/drive_c/windows" "$prefix/drive_c/"
+    ln -s "$windows/acceptance/winspool/winspool.drv" "$prefix/drive_c/windows/system32/winspool.drv"
+    ln -s ../drive_c "$prefix/dosdevices/c:"
+    ln -s "$2" "$prefix/dosdevices/d:"
+    ln -s / "$prefix/dosdevices/z:"
+}
+
+windows_path() { # a path of this machine, as a program in the prefix sees it
+    local path=Z:$1
+    echo "${path//\//\\}"
+}
+
+# Reads the scenario's settings into the variables of their names.
+read_setting() {
+    network='' locale='' language='' system='' plant='' without=()
+    local word rest
+    [ -e "$1/setting" ] || return 0
+    while read -r word rest; do
+        case $word in
+        network) network=$rest ;;
+        locale) locale=$rest ;;
+        language) language=$rest ;;
+        system) system=$rest ;;
+        plant) plant=$rest ;;
+        without) without+=("$rest") ;;
+        *)
+            say "$1/setting: unknown word $word"
+            return 1
+            ;;
+        esac
+    done <"$1/setting"
+}
+
+make_medium() { # MEDIUM
+    local path
+    cp -r "$root/samples/medium" "$1"
+    cp "$program" "$1/"
+    for path in "${without[@]}"; do
+        rm "$1/$path"
+    done
+    [ -z "$language" ] || printf '[UI]\r\nLanguage=%s\r\n' "$language" >"$1/wrenchbay/settings.inf"
+}
+
+# The machine's file for both sides: the folders and the program are named as Wine has them.
+make_machines() { # SCENARIO RUN-FOLDER
+    local side
+    for side in rehearsed wine; do
+        mkdir -p "$2/$side"
+        jq -s '.[0] * .[1]' "$root/acceptance/machine.json" "$1/machine.json" >"$2/$side/machine.json"
+    done
+}
+
+rehearse() { # SCENARIO RUN-FOLDER RUN
+    local status=0
+    "${alone[@]}" timeout "$hang_timeout" "$trk" rehearse --quiet --machine "$2/rehearsed/machine.json" \
+        --script "$1/$3.actions" --report "$2/rehearsed/$3.json" "$2/d/medium" \
+        >>"$2/rehearsed/output" 2>&1 || status=$?
+    # A scenario's failure is wanted often enough; what isn't is a run that didn't take place.
+    [ "$status" -le 1 ]
+}
+
+# Wine prefers its own libraries wherever others lie, so it is told to look for the planted ones first. A program
+# without protection then loads one, or the scenario would prove nothing.
+plant_libraries() { # RUN-FOLDER
+    local name found
+    for name in $plant; do
+        cp "$windows/acceptance/trk_planted.dll" "$1/d/medium/$name"
+        overrides+=";${name%.dll}=n,b"
+    done
+    cp "$windows/acceptance/trk_unguarded.exe" "$1/d/medium/"
+    (cd "$1/d/medium" && WINEPREFIX=$1/wine/prefix WINEDLLOVERRIDES=$overrides timeout "$hang_timeout" \
+        wine 'D:\medium\trk_unguarded.exe' </dev/null >>"$1/wine/output" 2>&1) || true
+    found=$(find "$1/wine/prefix/drive_c" -maxdepth 1 -iname 'D__medium_*')
+    if [ -z "$found" ]; then
+        echo "  an unprotected program didn't load the planted library either"
+        return 1
+    fi
+    find "$1/wine/prefix/drive_c" -maxdepth 1 -iname 'D__medium_*' -delete
+    rm "$1/d/medium/trk_unguarded.exe"
+}
+
+pilot() { # SCENARIO RUN-FOLDER RUN
+    local starter=''
+    local -a environment=("WINEPREFIX=$2/wine/prefix" "TRK_MACHINE_FILE=$(windows_path "$2/wine/machine.json")")
+    environment+=("WINEDLLOVERRIDES=$overrides")
+    [ -z "$locale" ] || environment+=("LOCPATH=$state/locales" "LC_ALL=$locale.UTF-8")
+    if [ -n "$language" ]; then
+        # Wine has the choice of a thread's language as a stub, so the spooler's library steps in from the start.
+        environment+=(TRK_THREAD_LANGUAGE=1)
+        starter="$(windows_path "$windows/acceptance/winspool/trk_preload.exe") C:\\windows\\system32\\winspool.drv "
+    fi
+    "${alone[@]}" env -u LANG -u LC_ALL "${environment[@]}" timeout "$hang_timeout" \
+        wine "$windows/acceptance/pilot/trk_pilot.exe" "$run_timeout" 'D:\medium' \
+        "$(windows_path "$1/$3.actions")" "$(windows_path "$2/wine/$3.json")" \
+        "${starter}D:\\medium\\trk_setup64.exe" </dev/null >>"$2/wine/output" 2>&1
+}
+
+# Both platforms' runs of one scenario and the judgement over them.
+run_scenario() { # SCENARIO RUN-FOLDER
+    local script run runs=0
+    alone=()
+    read_setting "$1" || return 1
+    [ "$network" != none ] || alone=(unshare --net --)
+    [ -z "$locale" ] || make_locale "$locale" || return 1
+    rm -rf "$2"
+    mkdir -p "$2/d"
+    make_medium "$2/d/medium" && make_machines "$1" "$2" && make_prefix "$2/wine/prefix" "$2/d" || return 1
+    overrides=$WINEDLLOVERRIDES
+    [ -z "$plant" ] || plant_libraries "$2" || return 1
+    [ -z "$system" ] || WINEPREFIX=$2/wine/prefix timeout "$make_timeout" winecfg -v "$system" || return 1
+    for script in "$1"/run*.actions; do
+        run=$(basename "$script" .actions)
+        runs=$((runs + 1))
+        rehearse "$1" "$2" "$run" || { echo "  the rehearsal of $run failed:"; tail -3 "$2/rehearsed/output"; return 1; }
+        pilot "$1" "$2" "$run" || { echo "  the pilot of $run failed:"; tail -3 "$2/wine/output"; }
+    done
+    stop_server "$2/wine/prefix"
+    "$compare" "$runs" "$2/rehearsed" "$2/wine" "$template/drive_c"
+}
+
+# Begun again among the printers: all scenarios, one after the other.
+run_scenarios() {
+    local name begin end passed=0 failed=0 result started=$SECONDS
+    current=''
+    trap '[ -z "$current" ] || stop_server "$current/wine/prefix"' EXIT
+    trap 'exit 130' INT
+    trap 'exit 143' TERM
+    if [ "$TRK_NETWORK" != namespaces ]; then
+        say "network namespaces aren't permitted here, and Wine lists no loopback adapter"
+        exit 1
+    fi
+    for name in "$@"; do
+        begin=$(date +%s%N)
+        current=$state/runs/$name
+        result=FAILED
+        if run_scenario "$root/acceptance/scenarios/$name" "$current"; then
+            result=passed
+            passed=$((passed + 1))
+        else
+            failed=$((failed + 1))
+        fi
+        stop_server "$current/wine/prefix"
+        end=$(date +%s%N)
+        printf '%s  %-24s %5.1f s\n' "$result" "$name" "$(((end - begin) / 100000000))e-1"
+    done
+    echo "$((SECONDS - started)) s"
+    echo "$passed passed, $failed failed"
+    [ "$failed" -eq 0 ]
+}
+
+if [ "${1-}" = --among-printers ]; then
+    shift
+    run_scenarios "$@"
+    exit
+fi
+make_template
+scenarios=("$@")
+if [ $# -eq 0 ]; then
+    for folder in acceptance/scenarios/*/; do
+        scenarios+=("$(basename "$folder")")
+    done
+fi
+exec rehearsal/run_network.sh "$trk" "$root/acceptance/run_wine.sh" --among-printers "${scenarios[@]}" \
+    2> >(grep -v '^network: printer ' >&2)
