@@ -46,8 +46,8 @@ bool starts_with_any(const std::string& line) {
     return false;
 }
 
-// "XcvData AddPort <result> <needed> <status> <last error> [...]": refused when the call failed or the status isn't 0. A
-// port that is there from an earlier install (b7) serves as it is.
+// "XcvData AddPort <result> <needed> <status> <last error> [...]": refused when the call failed or the status
+// isn't 0. A port that is there from an earlier install (b7) serves as it is.
 bool is_refused_port(const std::string& line) {
     std::istringstream words(line);
     std::string xcv, command, result, needed, status;
