@@ -24,67 +24,15 @@ readonly compare=${TRK_COMPARE:-$root/build/linux/acceptance/trk_compare}
 readonly windows=${TRK_WINDOWS_BUILD:-$root/build/windows-x86_64}
 readonly program=$windows/src/trk_setup64.exe
 readonly template=$state/template
-readonly make_timeout=180 # seconds, for a prefix on a busy machine
-readonly run_timeout=90   # what the pilot gives a run
+readonly run_timeout=90   # seconds; what the pilot gives a run
 readonly hang_timeout=150 # what a run may take when the pilot itself hangs
 
-export WINEARCH=win64 WINEDEBUG=-all
-export WINEDLLOVERRIDES='mscoree=;mshtml=;winemenubuilder.exe=d;winedbg.exe=d;winspool.drv=n,b'
 unset DISPLAY WAYLAND_DISPLAY
 
 say() { echo "wine: $*" >&2; }
 
-# Ends the prefix's server and with it every program in it.
-stop_server() { WINEPREFIX=$1 timeout 20 wineserver -k 2>/dev/null || true; }
-
-# A prefix of this Wine version, without a display driver. It is made aside and then put in place, so that one
-# that was interrupted isn't taken for a ready one.
-make_template() {
-    local version fresh=$template.new
-    version=$(wine --version)
-    [ "$(cat "$template/version" 2>/dev/null)" != "$version" ] || return 0
-    say "making a prefix for $version"
-    rm -rf "$template" "$fresh"
-    mkdir -p "$state"
-    WINEPREFIX=$fresh timeout "$make_timeout" wineboot -i >"$state/template.log" 2>&1
-    WINEPREFIX=$fresh timeout "$make_timeout" wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f \
-        >>"$state/template.log" 2>&1
-    WINEPREFIX=$fresh timeout "$make_timeout" winecfg -v win10 >>"$state/template.log" 2>&1
-    WINEPREFIX=$fresh timeout "$make_timeout" wineserver -w
-    rm -f "$fresh/drive_c/windows/system32/winspool.drv"
-    mkdir -p "$fresh/drive_c/windows/system32/DriverStore/FileRepository"
-    echo "$version" >"$fresh/version"
-    mv "$fresh" "$template"
-}
-
-# The locales that scenarios ask for; most machines have but one or two.
-make_locale() {
-    [ -d "$state/locales/$1.UTF-8" ] || {
-        mkdir -p "$state/locales"
-        localedef -i "$1" -f UTF-8 "$state/locales/$1.UTF-8"
-    }
-}
-
-# A prefix for one scenario. Wine's own files are links to the template's, as they are large and nobody writes them;
-# all else is copied.
-make_prefix() { # PREFIX MEDIUM-PARENT
-    local prefix=$1 folder
-    mkdir -p "$prefix/drive_c" "$prefix/dosdevices"
-    cp -a "$template"/*.reg "$template/.update-timestamp" "$prefix/"
-    for folder in "$template"/drive_c/*; do
-        [ "${folder##*/}" = windows ] || cp -a "$folder" "$prefix/drive_c/"
-    done
-    cp -rs "$template/drive_c/windows" "$prefix/drive_c/"
-    ln -s "$windows/acceptance/winspool/winspool.drv" "$prefix/drive_c/windows/system32/winspool.drv"
-    ln -s ../drive_c "$prefix/dosdevices/c:"
-    ln -s "$2" "$prefix/dosdevices/d:"
-    ln -s / "$prefix/dosdevices/z:"
-}
-
-windows_path() { # a path of this machine, as a program in the prefix sees it
-    local path=Z:$1
-    echo "${path//\//\\}"
-}
+# shellcheck source=acceptance/wine_prefix.sh
+. "$root/acceptance/wine_prefix.sh"
 
 # Reads the scenario's settings into the variables of their names.
 read_setting() {
