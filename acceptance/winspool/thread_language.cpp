@@ -7,7 +7,14 @@
 
 namespace {
 
-constexpr unsigned locale_in_thread = 0x108; // CurrentLocale of a 64-bit thread's environment block
+// Stores CurrentLocale, a field of the thread's environment block, where the processor's segment begins.
+void set_current_locale(LANGID language) {
+#ifdef _WIN64
+    __writegsdword(0x108, language);
+#else
+    __writefsdword(0xC4, language);
+#endif
+}
 
 // What a program has its texts in, as near to the wanted language as there is.
 struct Choice {
@@ -38,7 +45,7 @@ BOOL CALLBACK look_at_texts(HMODULE module, LPCWSTR type, LPWSTR name, LONG_PTR 
 LANGID WINAPI set_thread_language(LANGID language) {
     Choice choice{language};
     EnumResourceNamesW(nullptr, RT_STRING, look_at_texts, reinterpret_cast<LONG_PTR>(&choice));
-    __writegsdword(locale_in_thread, choice.nearness == 0 ? language : choice.found);
+    set_current_locale(choice.nearness == 0 ? language : choice.found);
     return language;
 }
 
