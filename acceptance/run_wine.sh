@@ -22,7 +22,9 @@ readonly state=${TRK_WINE_STATE:-$root/build/wine}
 readonly trk=${TRK_TOOL:-$root/build/linux/rehearsal/trk}
 readonly compare=${TRK_COMPARE:-$root/build/linux/acceptance/trk_compare}
 readonly windows=${TRK_WINDOWS_BUILD:-$root/build/windows-x86_64}
-readonly program=$windows/src/trk_setup64.exe
+readonly program=${TRK_PROGRAM:-$windows/src/trk_setup64.exe} # the one that is started
+readonly sibling=${TRK_SIBLING:-} # the one that it hands over to, where it does
+readonly scenarios_folder=${TRK_SCENARIOS:-$root/acceptance/scenarios}
 readonly template=$state/template
 readonly run_timeout=90   # seconds; what the pilot gives a run
 readonly hang_timeout=150 # what a run may take when the pilot itself hangs
@@ -58,19 +60,20 @@ read_setting() {
 make_medium() { # MEDIUM
     local path
     cp -r "$root/samples/medium" "$1"
-    cp "$program" "$1/"
+    cp "$program" ${sibling:+"$sibling"} "$1/"
     for path in "${without[@]}"; do
         rm "$1/$path"
     done
     [ -z "$language" ] || printf '[UI]\r\nLanguage=%s\r\n' "$language" >"$1/wrenchbay/settings.inf"
 }
 
-# The machine's file for both sides: the folders and the program are named as Wine has them.
+# The machine's file for both sides: the folders and the program that installs are named as Wine has them.
 make_machines() { # SCENARIO RUN-FOLDER
-    local side
+    local side installer=${sibling:-$program}
     for side in rehearsed wine; do
         mkdir -p "$2/$side"
-        jq -s '.[0] * .[1]' "$root/acceptance/machine.json" "$1/machine.json" >"$2/$side/machine.json"
+        jq -s --arg installer "${installer##*/}" '.[0] * {program_name: $installer} * .[1]' \
+            "$root/acceptance/machine.json" "$1/machine.json" >"$2/$side/machine.json"
     done
 }
 
@@ -116,7 +119,7 @@ pilot() { # SCENARIO RUN-FOLDER RUN
     "${alone[@]}" env -u LANG -u LC_ALL "${environment[@]}" timeout "$hang_timeout" \
         wine "$windows/acceptance/pilot/trk_pilot.exe" "$run_timeout" 'D:\medium' \
         "$(windows_path "$1/$3.actions")" "$(windows_path "$2/wine/$3.json")" \
-        "${starter}D:\\medium\\trk_setup64.exe" </dev/null >>"$2/wine/output" 2>&1
+        "${starter}D:\\medium\\${program##*/}" </dev/null >>"$2/wine/output" 2>&1
 }
 
 # Both platforms' runs of one scenario and the judgement over them.
@@ -157,7 +160,7 @@ run_scenarios() {
         begin=$(date +%s%N)
         current=$state/runs/$name
         result=FAILED
-        if run_scenario "$root/acceptance/scenarios/$name" "$current"; then
+        if run_scenario "$scenarios_folder/$name" "$current"; then
             result=passed
             passed=$((passed + 1))
         else
@@ -180,7 +183,7 @@ fi
 make_template
 scenarios=("$@")
 if [ $# -eq 0 ]; then
-    for folder in acceptance/scenarios/*/; do
+    for folder in "$scenarios_folder"/*/; do
         scenarios+=("$(basename "$folder")")
     done
 fi

@@ -7,7 +7,7 @@
 
 readonly make_timeout=180 # seconds, for a prefix on a busy machine
 
-export WINEARCH=win64 WINEDEBUG=-all
+export WINEARCH=${TRK_WINE_ARCH:-win64} WINEDEBUG=-all
 export WINEDLLOVERRIDES='mscoree=;mshtml=;winemenubuilder.exe=d;winedbg.exe=d;winspool.drv=n,b'
 
 # Ends the prefix's server and with it every program in it.
