@@ -111,11 +111,10 @@ void compare_machines(const fs::path& rehearsed, const fs::path& wine, Differenc
         compare_value("spooler: " + key, value, found.value(key, json()), out);
 }
 
-const MadeFile& find_log(const MadeFiles& files) {
+// Nothing of it where the program handed over before it began one.
+std::string log_of(const MadeFiles& files) {
     const auto log = files.find("windows/temp/trk_install.log");
-    if (log == files.end())
-        throw std::runtime_error("a run left no install log");
-    return log->second;
+    return log == files.end() ? std::string() : read_bytes(log->second.place);
 }
 
 Differences compare(int runs, const fs::path& rehearsed, const fs::path& wine, const fs::path& beginning) {
@@ -129,7 +128,7 @@ Differences compare(int runs, const fs::path& rehearsed, const fs::path& wine, c
         out.push_back("the spooler's notes: " + read_bytes(notes));
     const MadeFiles expected = list_made(rehearsed / "machine.json.drive-c", beginning);
     const MadeFiles found = list_made(wine / "prefix" / "drive_c", beginning);
-    compare_logs(read_bytes(find_log(expected).place), read_bytes(find_log(found).place), out);
+    compare_logs(log_of(expected), log_of(found), out);
     compare_drives(expected, found, out);
     return out;
 }
