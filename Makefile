@@ -1,13 +1,14 @@
 # Two commands do everything on a fresh Debian 12: `make run` and `make test`. CMake presets stand behind them.
 JOBS ?= $(shell nproc)
 
-.PHONY: help run test wine windows linux packages pictures format clean
+.PHONY: help run test wine wine32 windows linux packages pictures format clean
 .DEFAULT_GOAL := help
 
 help:
 	@echo "make run      build for Linux and rehearse a complete install with printers on real sockets"
 	@echo "make test     build for Windows and Linux, run all tests, check the Windows programs"
 	@echo "make wine     run the real 64-bit program under Wine and hold it against the rehearsal"
+	@echo "make wine32   the same for the 32-bit program, in an i386 root of 2 GB made with debootstrap"
 	@echo "make windows  the two Windows programs and the library, stripped, in dist/"
 	@echo "make linux    the rehearsal tool alone, in build/linux"
 	@echo "make format   bring the sources into the project's layout"
@@ -42,6 +43,16 @@ wine: packages
 	@cmake --build --preset linux --parallel $(JOBS) --target trk_acceptance
 	@cmake --build --preset windows-x86_64 --parallel $(JOBS) --target trk_acceptance
 	@acceptance/run_wine.sh $(SCENARIOS)
+
+# SCENARIOS is for the road on which the 32-bit program installs by itself.
+acceptance32 := trk_winspool trk_preload trk_pilot trk_planted trk_unguarded
+wine32: packages
+	@cmake/install_packages.sh debian-packages-wine32.txt
+	@cmake/build.sh $(JOBS) linux windows-i686 windows-x86_64
+	@cmake --build --preset linux --parallel $(JOBS) --target trk_compare
+	@cmake --build --preset windows-i686 --parallel $(JOBS) --target $(acceptance32)
+	@cmake --build --preset windows-x86_64 --parallel $(JOBS) --target $(acceptance32)
+	@acceptance/run_wine32.sh $(SCENARIOS)
 
 pictures:
 	@mkdir -p build
