@@ -38,33 +38,39 @@ struct PathPart {
     std::size_t end = 0;
 };
 
-const ChildProgram* find_program(std::u16string path) {
+// A program to start, or the error when there is none.
+struct FoundProgram {
+    const ChildProgram* program = nullptr;
+    DWORD error = ERROR_FILE_NOT_FOUND;
+};
+
+FoundProgram find_program(std::u16string path) {
     const std::size_t name_start = path.find_last_of(u"\\/:") + 1;
     if (path.find(u'.', name_start) == std::u16string::npos)
         path += u".exe";
     const RealPath file = real_path(path.c_str());
     if (file.error != 0 || !file.exists || file.folder)
-        return nullptr;
+        return {};
     const std::u16string name = path.substr(name_start);
-    const std::vector<ChildProgram>& programs = session().machine.child_programs;
-    const auto found = std::find_if(programs.begin(), programs.end(), [&](const ChildProgram& program) {
-        return same_name(program.name, name);
-    });
-    return found == programs.end() ? nullptr : &*found;
+    for (const ChildProgram& program : session().machine.child_programs) {
+        if (same_name(program.name, name))
+            return {&program, 0};
+    }
+    return {nullptr, ERROR_BAD_EXE_FORMAT}; // to the machine any other file is no program
 }
 
 // The platform ends the path inside the caller's buffer while it looks for the file, and puts the character
 // back; a command line in constant memory therefore crashes.
-const ChildProgram* find_program_at(WCHAR* command_line, const PathPart& part) {
+FoundProgram find_program_at(WCHAR* command_line, const PathPart& part) {
     const WCHAR kept = command_line[part.end];
     command_line[part.end] = 0;
-    const ChildProgram* program = find_program(command_line + part.start);
+    const FoundProgram found = find_program(command_line + part.start);
     command_line[part.end] = kept;
-    return program;
+    return found;
 }
 
-// Without quotes the path ends at a blank, and the shortest one that names a program is taken.
-const ChildProgram* find_program_of(WCHAR* command_line) {
+// Without quotes the path ends at a blank, and the shortest one that names a file is taken.
+FoundProgram find_program_of(WCHAR* command_line) {
     const std::u16string_view text(command_line);
     if (text.starts_with(u'"')) {
         const std::size_t quote = text.find(u'"', 1);
@@ -72,9 +78,9 @@ const ChildProgram* find_program_of(WCHAR* command_line) {
     }
     for (std::size_t end = text.find(u' ');; end = text.find(u' ', end + 1)) {
         const bool whole = end == std::u16string_view::npos;
-        const ChildProgram* program = find_program_at(command_line, {0, whole ? text.size() : end});
-        if (program != nullptr || whole)
-            return program;
+        const FoundProgram found = find_program_at(command_line, {0, whole ? text.size() : end});
+        if (found.error != ERROR_FILE_NOT_FOUND || whole)
+            return found;
     }
 }
 
@@ -130,12 +136,12 @@ BOOL CreateProcessW(LPCWSTR application, LPWSTR command_line, SECURITY_ATTRIBUTE
         set_last_error(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
-    const ChildProgram* program = find_program_of(command_line);
-    if (program == nullptr) {
-        set_last_error(ERROR_FILE_NOT_FOUND);
+    const FoundProgram found = find_program_of(command_line);
+    if (found.program == nullptr) {
+        set_last_error(found.error);
         return FALSE;
     }
-    start_program(*program, command_line, *information);
+    start_program(*found.program, command_line, *information);
     return TRUE;
 }
 

@@ -39,26 +39,25 @@ protected:
 TEST_F(Processes, TheProgramIsFoundInTheCommandLine) {
     const struct {
         std::u16string line;
-        bool started;
-    } cases[] = {{u"\"C:\\tools\\child.exe\"", true},
-                 {u"\"C:\\with blank\\child.exe\" /a \"b c\"", true},
-                 {u"C:\\with blank\\child.exe /a", true},
-                 {u"C:\\tools\\CHILD /a", true},
-                 {u"\"C:\\tools\\child.exe", true},
-                 {u"\"C:\\tools\\missing.exe\"", false},
-                 {u"\"C:\\tools\\other.exe\"", false},
-                 {u"C:\\tools child.exe", false},
-                 {u"", false}};
+        DWORD error;
+    } cases[] = {{u"\"C:\\tools\\child.exe\"", 0},
+                 {u"\"C:\\with blank\\child.exe\" /a \"b c\"", 0},
+                 {u"C:\\with blank\\child.exe /a", 0},
+                 {u"C:\\tools\\CHILD /a", 0},
+                 {u"\"C:\\tools\\child.exe", 0},
+                 {u"\"C:\\tools\\missing.exe\"", ERROR_FILE_NOT_FOUND},
+                 {u"\"C:\\tools\\other.exe\"", ERROR_BAD_EXE_FORMAT},
+                 {u"C:\\tools child.exe", ERROR_FILE_NOT_FOUND},
+                 {u"", ERROR_FILE_NOT_FOUND}};
     std::vector<std::u16string> started;
     for (const auto& entry : cases) {
         SCOPED_TRACE(platform::to_utf8(entry.line));
         SetLastError(0);
-        EXPECT_EQ(create(entry.line) != FALSE, entry.started);
-        if (entry.started) {
+        EXPECT_EQ(create(entry.line) != FALSE, entry.error == 0);
+        EXPECT_EQ(GetLastError(), entry.error);
+        if (entry.error == 0) {
             started.push_back(entry.line);
             close_child();
-        } else {
-            EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
         }
     }
     EXPECT_EQ(platform::started_commands(), started);
