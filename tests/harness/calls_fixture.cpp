@@ -4,6 +4,7 @@
 
 CallsTest::CallsTest() : session_(std::make_unique<TestSession>()) {
     std::filesystem::create_directories(session_->drive_c / "Scratch");
+    session_->machine.child_programs = {{u"The child.exe", 0, child_exit_code}};
     session_->start();
     SetLastError(0);
 }
@@ -21,4 +22,9 @@ CallsTest::~CallsTest() {
 
 Text CallsTest::scratch_folder() {
     return TEXT("C:\\Scratch");
+}
+
+Text CallsTest::child_program() const {
+    TestSession::write(session_->drive_c / "Scratch" / "The child.exe", "a program");
+    return scratch_folder() + TEXT("\\The child.exe");
 }

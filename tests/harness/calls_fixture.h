@@ -24,6 +24,9 @@ protected:
     void will_misuse() { misuse_expected_ = true; }
     // An existing, empty folder on drive C, without a backslash at its end.
     static Text scratch_folder();
+    // An existing program that ends at once with `child_exit_code`; there are blanks in its path.
+    Text child_program() const;
+    static constexpr DWORD child_exit_code = 5;
 
 private:
     std::unique_ptr<TestSession> session_;

@@ -2,22 +2,27 @@
 
 #include <shlobj.h>
 
+#include <stdexcept>
+
 namespace {
 
 class ShellLinks : public FolderTest {
 protected:
+    // Both throw when there is none: the test can't go on then.
     static IShellLinkW* make() {
         void* object = nullptr;
-        return SUCCEEDED(
-                   CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW, &object))
-                   ? static_cast<IShellLinkW*>(object)
-                   : nullptr;
+        if (FAILED(
+                CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW, &object)) ||
+            object == nullptr)
+            throw std::runtime_error("no shell link");
+        return static_cast<IShellLinkW*>(object);
     }
 
     static IPersistFile* file_of(IShellLinkW* link) {
         void* object = nullptr;
-        return SUCCEEDED(link->QueryInterface(IID_IPersistFile, &object)) ? static_cast<IPersistFile*>(object)
-                                                                          : nullptr;
+        if (FAILED(link->QueryInterface(IID_IPersistFile, &object)) || object == nullptr)
+            throw std::runtime_error("the shell link has no file");
+        return static_cast<IPersistFile*>(object);
     }
 
     static HRESULT save(const Text& link_path, const WCHAR* target, const WCHAR* description) {
@@ -44,7 +49,6 @@ TEST_F(ShellLinks, NeedComOnTheThread) {
               REGDB_E_CLASSNOTREG);
     CoUninitialize();
     IShellLinkW* link = make();
-    ASSERT_NE(link, nullptr);
     EXPECT_EQ(link->QueryInterface(CLSID_ShellLink, &object), E_NOINTERFACE);
     link->Release();
     CoUninitialize();

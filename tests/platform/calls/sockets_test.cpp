@@ -123,6 +123,7 @@ TEST_F(Sockets, CallsCheckWhatTheyGet) {
     EXPECT_EQ(bind(handle, reinterpret_cast<const sockaddr*>(&name), 15), SOCKET_ERROR);
     EXPECT_EQ(WSAGetLastError(), WSAEFAULT);
     char byte = 0;
+    EXPECT_EQ(set_option(handle, SOL_SOCKET, SO_RCVTIMEO, brief), 0);
     EXPECT_EQ(recvfrom(handle, &byte, 1, 0, nullptr, nullptr), SOCKET_ERROR) << "not bound";
     EXPECT_EQ(WSAGetLastError(), WSAEINVAL);
     EXPECT_EQ(closesocket(handle), 0);
