@@ -145,6 +145,27 @@ run_scenario() { # SCENARIO RUN-FOLDER
     "$compare" "$runs" "$2/rehearsed" "$2/wine" "$template/drive_c"
 }
 
+# The tests of the platform's calls, judged by Wine.
+run_contract() { # RUN-FOLDER
+    rm -rf "$1"
+    mkdir -p "$1/d" "$1/wine"
+    make_prefix "$1/wine/prefix" "$1/d"
+    echo '{}' >"$1/wine/machine.json"
+    # What Wine's shell can't name it deletes from the current folder, so that is an empty one.
+    (cd "$1/d" && env -u LANG -u LC_ALL "WINEPREFIX=$1/wine/prefix" TRK_THREAD_LANGUAGE=1 \
+        "TRK_MACHINE_FILE=$(windows_path "$1/wine/machine.json")" timeout "$hang_timeout" \
+        wine "$windows/acceptance/contract/trk_contract.exe" "$(windows_path "$root/acceptance/differences.md")" \
+        </dev/null 2>>"$1/wine/output")
+}
+
+run_one() { # NAME RUN-FOLDER
+    if [ "$1" = contract ]; then
+        run_contract "$2"
+    else
+        run_scenario "$scenarios_folder/$1" "$2"
+    fi
+}
+
 # Begun again among the printers: all scenarios, one after the other.
 run_scenarios() {
     local name begin end passed=0 failed=0 result started=$SECONDS
@@ -160,7 +181,7 @@ run_scenarios() {
         begin=$(date +%s%N)
         current=$state/runs/$name
         result=FAILED
-        if run_scenario "$scenarios_folder/$name" "$current"; then
+        if run_one "$name" "$current"; then
             result=passed
             passed=$((passed + 1))
         else
@@ -183,6 +204,7 @@ fi
 make_template
 scenarios=("$@")
 if [ $# -eq 0 ]; then
+    scenarios=(contract)
     for folder in "$scenarios_folder"/*/; do
         scenarios+=("$(basename "$folder")")
     done
