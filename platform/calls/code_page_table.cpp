@@ -1,5 +1,7 @@
 #include "calls/code_page_table.h"
 
+#include "calls/best_fit.h"
+
 #include <iconv.h>
 
 #include <map>
@@ -20,12 +22,21 @@ struct OwnCharacter {
     char16_t character;
 };
 
+// Byte pairs for characters that users draw themselves, which the converter doesn't know. They are numbered
+// in the order of the pairs, from `character` on; a pair that has a character already is left out.
+struct OwnArea {
+    Range leads, trails;
+    char16_t character = 0;
+};
+
 struct CodePageFacts {
     std::uint32_t code_page;
     const char* converter;
     char16_t unknown = u'?';
     Range leads[2] = {};
     OwnCharacter own[5] = {};
+    Range unused = {}; // bytes that are never a trail byte
+    OwnArea areas[4] = {};
 };
 
 constexpr CodePageFacts known[] = {
@@ -36,10 +47,33 @@ constexpr CodePageFacts known[] = {
      "CP932",
      0x30FB,
      {{0x81, 0x9F}, {0xE0, 0xFC}},
-     {{0x80, 0x80}, {0xA0, 0xA0}, {0xFD, 0xF8F1}, {0xFE, 0xF8F2}, {0xFF, 0xF8F3}}},
-    {936, "CP936", u'?', {{0x81, 0xFE}}, {{0x80, 0x20AC}, {0xFF, 0xF8F5}}},
-    {949, "UHC", u'?', {{0x81, 0xFE}}, {{0x80, 0x80}, {0xFF, 0xF8F7}}},
-    {950, "CP950", u'?', {{0x81, 0xFE}}, {{0x80, 0x80}, {0xFF, 0xF8F8}}},
+     {{0x80, 0x80}, {0xA0, 0xF8F0}, {0xFD, 0xF8F1}, {0xFE, 0xF8F2}, {0xFF, 0xF8F3}}},
+    {936,
+     "CP936",
+     u'?',
+     {{0x81, 0xFE}},
+     {{0x80, 0x20AC}, {0xFF, 0xF8F5}},
+     {0x7F, 0x7F},
+     {{{0xAA, 0xAF}, {0xA1, 0xFE}, 0xE000},
+      {{0xF8, 0xFE}, {0xA1, 0xFE}, 0xE234},
+      {{0xA1, 0xA7}, {0x40, 0xA0}, 0xE4C6},
+      {{0xA2, 0xFE}, {0x40, 0xFE}, 0xE766}}}, // gaps in the rows of the standard
+    {949,
+     "UHC",
+     u'?',
+     {{0x81, 0xFE}},
+     {{0x80, 0x80}, {0xFF, 0xF8F7}},
+     {},
+     {{{0xC9, 0xC9}, {0xA1, 0xFE}, 0xE000}, {{0xFE, 0xFE}, {0xA1, 0xFE}, 0xE05E}}},
+    {950,
+     "CP950",
+     u'?',
+     {{0x81, 0xFE}},
+     {{0x80, 0x80}, {0xFF, 0xF8F8}},
+     {0x7F, 0xA0},
+     {{{0xFA, 0xFE}, {0x40, 0xFE}, 0xE000},
+      {{0x8E, 0xA0}, {0x40, 0xFE}, 0xE311},
+      {{0x81, 0x8D}, {0x40, 0xFE}, 0xEEB8}}},
 };
 
 class Converter {
@@ -86,6 +120,20 @@ void add_single_bytes(CodePageTable& table, Converter& converter, const CodePage
     table.single[0x7E] = u'~';
 }
 
+bool in(const Range& range, unsigned byte) {
+    return byte >= range.first && byte <= range.last;
+}
+
+void add_own_areas(CodePageTable& table, const CodePageFacts& facts) {
+    for (const OwnArea& area : facts.areas) {
+        char16_t character = area.character;
+        for (unsigned lead = area.leads.first; lead <= area.leads.last; ++lead)
+            for (unsigned trail = area.trails.first; trail <= area.trails.last; ++trail)
+                if (!in(facts.unused, trail) && table.pairs[lead * 256 + trail] == 0)
+                    table.pairs[lead * 256 + trail] = character++;
+    }
+}
+
 void add_pairs(CodePageTable& table, Converter& converter) {
     table.pairs.assign(65536, 0);
     for (unsigned pair = 0x8140; pair < 65536; ++pair) {
@@ -96,11 +144,13 @@ void add_pairs(CodePageTable& table, Converter& converter) {
     }
 }
 
-// Where several byte pairs make one character, the platform writes the lowest; only in code page 932 the rows
-// ED and EE, which repeat what stands in rows FA to FC, are never written.
+// Where several byte pairs make one character, the platform writes the lowest. Never written are in code page
+// 932 the rows ED and EE, which repeat what stands in rows FA to FC, and in code page 950 the symbols that
+// come again as box lines or numerals.
 unsigned rank(const CodePageTable& table, unsigned pair) {
-    const bool repeated_row = table.code_page == 932 && pair >= 0xED40 && pair <= 0xEEFC;
-    return repeated_row ? pair + 65536 : pair;
+    const bool repeated = (table.code_page == 932 && pair >= 0xED40 && pair <= 0xEEFC) ||
+                          (table.code_page == 950 && pair >= 0xA2A4 && pair <= 0xA2CE);
+    return repeated ? pair + 65536 : pair;
 }
 
 void add_bytes(CodePageTable& table) {
@@ -116,6 +166,12 @@ void add_bytes(CodePageTable& table) {
             table.bytes[table.single[byte]] = static_cast<std::uint16_t>(byte);
 }
 
+void add_nearest(CodePageTable& table) {
+    table.nearest = table.bytes;
+    for (const BestFit& fit : best_fits(table.code_page))
+        table.nearest[fit.character] = table.bytes[fit.written];
+}
+
 std::unique_ptr<CodePageTable> make_table(const CodePageFacts& facts) {
     Converter converter(facts.converter);
     if (!converter.good())
@@ -129,9 +185,12 @@ std::unique_ptr<CodePageTable> make_table(const CodePageFacts& facts) {
         for (unsigned byte = range.first; byte <= range.last; ++byte)
             table->lead[byte] = true;
     add_single_bytes(*table, converter, facts);
-    if (facts.leads[0].last != 0)
+    if (facts.leads[0].last != 0) {
         add_pairs(*table, converter);
+        add_own_areas(*table, facts);
+    }
     add_bytes(*table);
+    add_nearest(*table);
     return table;
 }
 

@@ -40,11 +40,17 @@ struct Narrowed {
     bool good = true;
 };
 
+// A byte without a character of its own is read as one of these.
+bool stands_for_nothing(char16_t character) {
+    return character >= 0xF8F0 && character <= 0xF8FF;
+}
+
 Widened widen_by_table(const CodePageTable& table, std::string_view bytes) {
     Widened result;
     for (std::size_t place = 0; place < bytes.size(); ++place) {
         const auto byte = static_cast<std::uint8_t>(bytes[place]);
         if (!table.lead[byte]) {
+            result.good = result.good && !stands_for_nothing(table.single[byte]);
             result.text += table.single[byte];
             continue;
         }
@@ -59,11 +65,12 @@ Widened widen_by_table(const CodePageTable& table, std::string_view bytes) {
     return result;
 }
 
-Narrowed narrow_by_table(const CodePageTable& table, std::u16string_view text,
-                         std::string_view default_character) {
+// `map` is one of the table's two from characters to bytes.
+Narrowed narrow_by_map(const std::vector<std::uint16_t>& map, std::u16string_view text,
+                       std::string_view default_character) {
     Narrowed result;
     for (const char16_t character : text) {
-        const std::uint16_t bytes = table.bytes[character];
+        const std::uint16_t bytes = map[character];
         if (bytes == 0 && character != 0) {
             result.good = false;
             result.text += default_character; // each half of a surrogate pair gets one
@@ -149,8 +156,9 @@ int WideCharToMultiByte(UINT code_page, DWORD flags, LPCWSTR text, int length, L
             return refused(ERROR_NO_UNICODE_TRANSLATION);
         return deliver(out.text, bytes, size);
     }
-    const Narrowed out =
-        narrow_by_table(table_of(call, page), in, default_character == nullptr ? "?" : default_character);
+    const CodePageTable& table = table_of(call, page);
+    const Narrowed out = narrow_by_map((flags & WC_NO_BEST_FIT_CHARS) != 0 ? table.bytes : table.nearest, in,
+                                       default_character == nullptr ? "?" : default_character);
     if (used_default != nullptr)
         *used_default = out.good ? FALSE : TRUE;
     return deliver(out.text, bytes, size);

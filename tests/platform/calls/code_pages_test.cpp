@@ -15,11 +15,11 @@ Text widened(UINT page, const std::string& bytes, DWORD flags = 0) {
     return Text(out.data(), static_cast<std::size_t>(length));
 }
 
-std::string narrowed(UINT page, const Text& text, BOOL* used_default,
-                     const char* default_character = nullptr) {
+std::string narrowed(UINT page, const Text& text, BOOL* used_default, const char* default_character = nullptr,
+                     DWORD flags = 0) {
     std::vector<char> out(64, '*');
-    const int length = WideCharToMultiByte(page, 0, text.data(), static_cast<int>(text.size()), out.data(),
-                                           64, default_character, used_default);
+    const int length = WideCharToMultiByte(page, flags, text.data(), static_cast<int>(text.size()),
+                                           out.data(), 64, default_character, used_default);
     return std::string(out.data(), static_cast<std::size_t>(length));
 }
 
@@ -43,6 +43,9 @@ TEST_F(CodePages, CharactersThatBothSidesHaveGoBothWays) {
         {"simplified Chinese", 936, "\xD6\xD0\x80", TEXT("\u4E2D\u20AC")},
         {"Korean", 949, "\xC7\xD1\x81\x41", TEXT("\uD55C\uAC02")},
         {"traditional Chinese", 950, "\xA4\xA4", TEXT("\u4E2D")},
+        {"the users' own, Chinese", 936, "\xAA\xA1\xA1\x80\xA6\xB9", TEXT("\uE000\uE505\uE785")},
+        {"the users' own, Korean", 949, "\xC9\xFE\xFE\xA1", TEXT("\uE05D\uE05E")},
+        {"the users' own, traditional Chinese", 950, "\xFE\xFE\x8E\x40\x81\xA1", TEXT("\uE310\uE311\uEEF7")},
         {"UTF-8", CP_UTF8, "\xC3\xA9\xE6\x97\xA5\xF0\x9F\x98\x80", TEXT("\u00E9\u65E5\U0001F600")},
     };
     for (const auto& test : cases) {
@@ -53,14 +56,13 @@ TEST_F(CodePages, CharactersThatBothSidesHaveGoBothWays) {
 
 TEST_F(CodePages, OnlyOneOfSeveralBytePairsIsWritten) {
     const struct {
+        UINT page;
         const char* read;
         const char* written;
-    } cases[] = {{"\xED\x40", "\xFA\x5C"},
-                 {"\xEE\xF9", "\x81\xCA"},
-                 {"\xFA\x4A", "\x87\x54"},
-                 {"\xFA\x5B", "\x81\xE6"}};
+    } cases[] = {{932, "\xED\x40", "\xFA\x5C"}, {932, "\xEE\xF9", "\x81\xCA"}, {932, "\xFA\x4A", "\x87\x54"},
+                 {932, "\xFA\x5B", "\x81\xE6"}, {950, "\xA2\xCC", "\xA4\x51"}, {950, "\xA2\xA4", "\xF9\xF9"}};
     for (const auto& test : cases)
-        EXPECT_EQ(narrowed(932, widened(932, test.read), nullptr), test.written);
+        EXPECT_EQ(narrowed(test.page, widened(test.page, test.read), nullptr), test.written);
 }
 
 TEST_F(CodePages, CharactersWithoutCounterpartBecomeTheDefault) {
@@ -76,12 +78,38 @@ TEST_F(CodePages, CharactersWithoutCounterpartBecomeTheDefault) {
         {"one", 1252, TEXT("a\u65E5b"), nullptr, "a?b", TRUE},
         {"chosen", 1252, TEXT("a\u65E5b"), "#", "a#b", TRUE},
         {"each half of a pair", 1252, TEXT("\U0001F600"), nullptr, "??", TRUE},
-        {"Japanese", 932, TEXT("\u65E5\u00E9"), nullptr, "\x93\xFA?", TRUE},
+        {"Japanese", 932, TEXT("\u65E5\u0E01"), nullptr, "\x93\xFA?", TRUE},
     };
     for (const auto& test : cases) {
         BOOL used = 2;
         EXPECT_EQ(narrowed(test.page, test.text, &used, test.default_character), test.expected) << test.name;
         EXPECT_EQ(used, test.used) << test.name;
+    }
+}
+
+TEST_F(CodePages, CharactersWithoutCounterpartBecomeTheNearestUnlessForbidden) {
+    const struct {
+        const char* name;
+        UINT page;
+        Text text;
+        std::string nearest;
+    } cases[] = {
+        {"western", 1252, TEXT("\u0100\u03A3\uFF11\u3000"), "AS1 "},
+        {"central European", 1250, TEXT("\u00E3\u00BC\u212B"), "a1\xC5"},
+        {"Cyrillic", 1251, TEXT("\u00E9\u2554"), "e\xE3"},
+        {"Japanese", 932, TEXT("\u00E9\u00A5\u3094"), "e\\\x83\x94"},
+        {"simplified Chinese", 936, TEXT("\u00C9\u24B6\uF900"), "\xA8\xA6?\xD8\x4D"},
+        {"Korean", 949, TEXT("\u24CF\u1112\uFFDC"), "\xA8\xE6\xA4\xBE\xA4\xD3"},
+        {"traditional Chinese", 950, TEXT("\uFF3B\u00E9\uF900"), "\xA1\x65\x65\xB0\x5A"},
+    };
+    for (const auto& test : cases) {
+        BOOL used = 2;
+        EXPECT_EQ(narrowed(test.page, test.text, &used), test.nearest) << test.name;
+        EXPECT_EQ(used, test.nearest.find('?') == std::string::npos ? FALSE : TRUE) << test.name;
+        EXPECT_EQ(narrowed(test.page, test.text, &used, nullptr, WC_NO_BEST_FIT_CHARS),
+                  std::string(test.text.size(), '?'))
+            << test.name;
+        EXPECT_EQ(used, TRUE) << test.name;
     }
 }
 
@@ -94,7 +122,8 @@ TEST_F(CodePages, BadBytes) {
     } cases[] = {
         {"cut character", CP_UTF8, "a\xE6\x97", TEXT("a\uFFFD")},
         {"stray byte", CP_UTF8, "\xFFz", TEXT("\uFFFDz")},
-        {"half a surrogate pair", CP_UTF8, "\xED\xA0\x80", TEXT("\uFFFD\uFFFD\uFFFD")},
+        {"no character, Japanese", 932, "\xA0\xFF", TEXT("\uF8F0\uF8F3")},
+        {"no character, Korean", 949, "\xFF", TEXT("\uF8F7")},
     };
     for (const auto& test : cases) {
         EXPECT_EQ(widened(test.page, test.bytes), test.expected) << test.name;
@@ -102,6 +131,7 @@ TEST_F(CodePages, BadBytes) {
         EXPECT_EQ(widened(test.page, test.bytes, MB_ERR_INVALID_CHARS), Text()) << test.name;
         EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_UNICODE_TRANSLATION}) << test.name;
     }
+    EXPECT_EQ(widened(CP_UTF8, "\xED\xA0\x80", MB_ERR_INVALID_CHARS), Text()) << "half a surrogate pair";
     EXPECT_EQ(narrowed(CP_UTF8, Text{0xD800, 'z'}, nullptr), "\xEF\xBF\xBDz");
     // The terminator behind half a character stays the terminator.
     WCHAR out[4] = {1, 1, 1, 1};
