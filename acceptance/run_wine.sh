@@ -1,7 +1,9 @@
 #!/bin/bash
 # make wine: the real 64-bit program under Wine and the rehearsal of the same scenario, held against each other.
 #
-#   acceptance/run_wine.sh [SCENARIO]...     none: all of acceptance/scenarios
+#   acceptance/run_wine.sh [NAME]...     a scenario, or `contract`; none: all
+#
+# `contract` runs the tests of the platform's calls under Wine, against the table in differences.md.
 #
 # A scenario is a folder with machine.json and the actions of one or more runs on that machine, run1.actions, ...
 # Its file `setting`, where there is one, has lines of these words:
@@ -142,6 +144,11 @@ run_scenario() { # SCENARIO RUN-FOLDER
         pilot "$1" "$2" "$run" || { echo "  the pilot of $run failed:"; tail -3 "$2/wine/output"; }
     done
     stop_server "$2/wine/prefix"
+    if [ -e "$2/wine/machine.json.notes" ]; then
+        echo "  the program asked the spooler for what it hasn't got:"
+        cat "$2/wine/machine.json.notes"
+        return 1
+    fi
     "$compare" "$runs" "$2/rehearsed" "$2/wine" "$template/drive_c"
 }
 
