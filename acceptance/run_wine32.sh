@@ -114,14 +114,19 @@ run_road() { # ROAD BITS VARIABLE=VALUE... -- SCENARIO...
 run_roads() {
     local failed=0 started=$SECONDS
     local -a program=("TRK_PROGRAM=$root/build/windows-i686/src/trk_setup.exe")
+    local -a scenarios=("$@")
+    if [ $# -eq 0 ]; then
+        scenarios=("$root"/acceptance/scenarios/*)
+        scenarios=("${scenarios[@]##*/}")
+    fi
     echo "the 32-bit program on a 32-bit system"
-    run_road install 32 TRK_WINE_ARCH=win32 "TRK_WINDOWS_BUILD=$root/build/windows-i686" "${program[@]}" -- "$@" ||
-        failed=1
+    run_road install 32 TRK_WINE_ARCH=win32 "TRK_WINDOWS_BUILD=$root/build/windows-i686" "${program[@]}" \
+        -- "${scenarios[@]}" || failed=1
     echo "the 32-bit program on a 64-bit system"
     run_road relaunch 64 "TRK_SIBLING=$root/build/windows-x86_64/src/trk_setup64.exe" "${program[@]}" \
         -- network_install second_run usb_road no_inf || failed=1
     echo "the 32-bit program on a 64-bit system, without its sibling"
-    run_road relaunch none "TRK_SCENARIOS=$root/acceptance/relaunch" "${program[@]}" -- || failed=1
+    run_road relaunch none "TRK_SCENARIOS=$root/acceptance/relaunch" "${program[@]}" -- no_sibling || failed=1
     echo "$((SECONDS - started)) s for all"
     return "$failed"
 }
