@@ -45,13 +45,12 @@ wine: packages
 	@acceptance/run_wine.sh $(SCENARIOS)
 
 # SCENARIOS is for the road on which the 32-bit program installs by itself.
-acceptance32 := trk_winspool trk_preload trk_pilot trk_planted trk_unguarded
 wine32: packages
 	@cmake/install_packages.sh debian-packages-wine32.txt
 	@cmake/build.sh $(JOBS) linux windows-i686 windows-x86_64
-	@cmake --build --preset linux --parallel $(JOBS) --target trk_compare
-	@cmake --build --preset windows-i686 --parallel $(JOBS) --target $(acceptance32)
-	@cmake --build --preset windows-x86_64 --parallel $(JOBS) --target $(acceptance32)
+	@cmake --build --preset linux --parallel $(JOBS) --target trk_acceptance
+	@cmake --build --preset windows-i686 --parallel $(JOBS) --target trk_acceptance
+	@cmake --build --preset windows-x86_64 --parallel $(JOBS) --target trk_acceptance
 	@acceptance/run_wine32.sh $(SCENARIOS)
 
 pictures:

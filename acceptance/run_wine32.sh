@@ -4,7 +4,7 @@
 #   install    on a 32-bit system it installs by itself
 #   relaunch   on a 64-bit system it hands over to trk_setup64.exe beside it, which installs, and waits for its end
 #
-#   acceptance/run_wine32.sh [SCENARIO]...    for the road install; none: all of acceptance/scenarios
+#   acceptance/run_wine32.sh [SCENARIO]...    for the road install; none: all, and `contract`, as in run_wine.sh
 #
 # A 64-bit Debian has no Wine for 32-bit programs, so Wine for both kinds lies in an i386 root of its own, which
 # debootstrap makes once, from the mirror that this machine's apt uses. It needs root's rights, and a kernel that runs
@@ -85,6 +85,7 @@ make_commands() {
 check_banners() { # ROAD BITS
     local folder log wanted found others failed=0
     for folder in "$state/$1"/runs/*/; do
+        [ "${folder%/contract/}" = "$folder" ] || continue # runs no setup program
         log=$folder/wine/prefix/drive_c/windows/temp/trk_install.log
         wanted=$(find "$folder/wine" -maxdepth 1 -name 'run*.json' | wc -l)
         found=$(grep -c "^Vorlane Installer $2 ---" "$log" || true)
@@ -117,7 +118,7 @@ run_roads() {
     local -a scenarios=("$@")
     if [ $# -eq 0 ]; then
         scenarios=("$root"/acceptance/scenarios/*)
-        scenarios=("${scenarios[@]##*/}")
+        scenarios=(contract "${scenarios[@]##*/}")
     fi
     echo "the 32-bit program on a 32-bit system"
     run_road install 32 TRK_WINE_ARCH=win32 "TRK_WINDOWS_BUILD=$root/build/windows-i686" "${program[@]}" \

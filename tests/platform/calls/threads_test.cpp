@@ -12,7 +12,7 @@ int counter = 0; // guarded by the mutex
 DWORD first_result = 0;
 DWORD second_result = 0;
 
-HANDLE start(unsigned (*routine)(void*)) {
+HANDLE start(unsigned(WINAPI* routine)(void*)) {
     return reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, routine, nullptr, 0, nullptr));
 }
 
@@ -21,7 +21,7 @@ void finish(HANDLE thread) {
     EXPECT_TRUE(CloseHandle(thread));
 }
 
-unsigned count_up(void*) {
+unsigned WINAPI count_up(void*) {
     for (int step = 0; step < 200; ++step) {
         WaitForSingleObject(mutex, INFINITE);
         ++counter;
@@ -30,14 +30,14 @@ unsigned count_up(void*) {
     return 0;
 }
 
-unsigned try_foreign_mutex(void*) {
+unsigned WINAPI try_foreign_mutex(void*) {
     first_result = WaitForSingleObject(mutex, 0);
     SetLastError(0);
     second_result = ReleaseMutex(mutex) ? 0 : GetLastError();
     return 0;
 }
 
-unsigned end_as_owner(void*) {
+unsigned WINAPI end_as_owner(void*) {
     first_result = WaitForSingleObject(mutex, INFINITE);
     return 0;
 }
