@@ -28,6 +28,7 @@ readonly compare=${TRK_COMPARE:-$root/build/linux/acceptance/trk_compare}
 readonly windows=${TRK_WINDOWS_BUILD:-$root/build/windows-x86_64}
 readonly program=${TRK_PROGRAM:-$windows/src/trk_setup64.exe} # the one that is started
 readonly sibling=${TRK_SIBLING:-} # the one that it hands over to, where it does
+readonly banner_bits=${TRK_BANNER_BITS:-64} # of the program that writes the log, or `none` where there is no log
 readonly scenarios_folder=${TRK_SCENARIOS:-$root/acceptance/scenarios}
 readonly template=$state/template
 readonly run_timeout=90   # seconds; what the pilot gives a run
@@ -127,6 +128,18 @@ pilot() { # SCENARIO RUN-FOLDER RUN
         "${starter}D:\\medium\\${program##*/}" </dev/null >>"$2/wine/output" 2>&1
 }
 
+# Each run's log begins with a banner that tells which of the two programs wrote it. The comparer skips it.
+check_banners() { # RUNS LOG
+    local found others
+    [ "$banner_bits" != none ] || return 0
+    found=$(grep -c "^Vorlane Installer $banner_bits ---" "$2" || true)
+    others=$(grep -c '^Vorlane Installer ' "$2" || true)
+    if [ "$found" != "$1" ] || [ "$others" != "$1" ]; then
+        echo "  $1 runs, but $found of $others banners are of the $banner_bits-bit program"
+        return 1
+    fi
+}
+
 check_records() { # WANTED RECORD...
     local wanted=$1 record
     shift
@@ -165,6 +178,7 @@ run_scenario() { # SCENARIO RUN-FOLDER
         cat "$2/wine/machine.json.notes"
         return 1
     fi
+    check_banners "$runs" "$2/wine/prefix/drive_c/windows/temp/trk_install.log" || return 1
     if [ -e "$1/wanted.json" ]; then
         check_records "$1/wanted.json" "$2"/wine/run*.json
     else
