@@ -39,6 +39,7 @@ WIN32_FIND_DATAW entry_data(const FolderEntry& entry) {
         data.nFileSizeLow = static_cast<DWORD>(facts.st_size);
     }
     entry.name.copy(data.cFileName, std::size(data.cFileName) - 1);
+    entry.short_name.copy(data.cAlternateFileName, std::size(data.cAlternateFileName) - 1);
     return data;
 }
 
@@ -50,7 +51,7 @@ bool sorts_before(const FolderEntry& a, const FolderEntry& b) {
 std::vector<FolderEntry> matching(const RealPath& folder, std::u16string_view pattern) {
     std::vector<FolderEntry> found;
     for (FolderEntry& entry : platform::folder_entries(folder))
-        if (platform::matches(pattern, entry.name))
+        if (platform::matches_either(pattern, entry.name, entry.short_name))
             found.push_back(std::move(entry));
     std::sort(found.begin(), found.end(), sorts_before);
     if (!folder.root)

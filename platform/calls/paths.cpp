@@ -1,6 +1,7 @@
 #include "calls/paths.h"
 
 #include "calls/session.h"
+#include "calls/short_names.h"
 #include "machine/text.h"
 
 #include <windows.h>
@@ -45,16 +46,40 @@ bool above_medium(char16_t drive, const Names& names) {
     return medium.drive == drive && medium.names.size() > names.size() && begins_with(medium.names, names);
 }
 
+std::vector<FolderEntry> real_entries(const fs::path& folder) {
+    std::vector<FolderEntry> entries;
+    std::error_code ignored;
+    if (!folder.empty())
+        for (const fs::directory_entry& entry : fs::directory_iterator(folder, ignored))
+            entries.push_back({to_utf16(entry.path().filename().native()), entry.path()});
+    return entries;
+}
+
+void add_short_names(std::vector<FolderEntry>& entries) {
+    std::vector<std::u16string> names;
+    for (const FolderEntry& entry : entries)
+        names.push_back(entry.name);
+    std::vector<std::u16string> shorter = short_names(names);
+    for (std::size_t index = 0; index < entries.size(); ++index)
+        entries[index].short_name = std::move(shorter[index]);
+}
+
 std::optional<fs::path> find_entry(const fs::path& folder, std::u16string_view name) {
     struct stat facts;
     const fs::path exact = folder / to_utf8(name);
     if (lstat(exact.c_str(), &facts) == 0)
         return exact;
+    std::vector<FolderEntry> entries = real_entries(folder);
     std::optional<fs::path> found;
-    std::error_code ignored;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder, ignored))
-        if (same_name(to_utf16(entry.path().filename().native()), name) && (!found || entry.path() < *found))
-            found = entry.path();
+    for (const FolderEntry& entry : entries)
+        if (same_name(entry.name, name) && (!found || entry.real < *found))
+            found = entry.real;
+    if (found || name.find(u'~') == name.npos)
+        return found;
+    add_short_names(entries);
+    for (const FolderEntry& entry : entries)
+        if (same_name(entry.short_name, name))
+            found = entry.real;
     return found;
 }
 
@@ -121,19 +146,17 @@ RealPath real_path(const char16_t* path, std::size_t limit) {
 }
 
 std::vector<FolderEntry> folder_entries(const RealPath& folder) {
-    std::vector<FolderEntry> entries;
-    std::error_code ignored;
-    if (!folder.real.empty())
-        for (const fs::directory_entry& entry : fs::directory_iterator(folder.real, ignored))
-            entries.push_back({to_utf16(entry.path().filename().native()), entry.path()});
+    std::vector<FolderEntry> entries = real_entries(folder.real);
     const PlainPath place = plain_path(folder.text.c_str());
-    if (!above_medium(place.drive, place.names))
-        return entries;
-    const Mount medium = mounts().front();
-    const std::u16string& next = medium.names[place.names.size()];
-    if (std::none_of(entries.begin(), entries.end(),
-                     [&](const FolderEntry& e) { return same_name(e.name, next); }))
-        entries.push_back({next, medium.names.size() == place.names.size() + 1 ? medium.real : fs::path()});
+    if (above_medium(place.drive, place.names)) {
+        const Mount medium = mounts().front();
+        const std::u16string& next = medium.names[place.names.size()];
+        if (std::none_of(entries.begin(), entries.end(),
+                         [&](const FolderEntry& e) { return same_name(e.name, next); }))
+            entries.push_back(
+                {next, medium.names.size() == place.names.size() + 1 ? medium.real : fs::path()});
+    }
+    add_short_names(entries);
     return entries;
 }
 

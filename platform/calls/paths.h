@@ -2,7 +2,8 @@
 //
 // C:\ is the session's drive_c; the machine's current folder is the medium, read-only. The folders above the
 // medium are there, hold nothing else and can't be written either. Every other drive is unknown. Names are
-// looked up without regard to case; a name that is there exactly goes first.
+// looked up without regard to case; a name that is there exactly goes first, and short names are known last,
+// but for the medium's own folder and those above it.
 #pragma once
 
 #include <cstdint>
@@ -47,6 +48,7 @@ RealPath real_path(const char16_t* path, std::size_t limit = 260);
 struct FolderEntry {
     std::u16string name;
     std::filesystem::path real;
+    std::u16string short_name = {}; // empty for a name of the form 8.3
 };
 std::vector<FolderEntry> folder_entries(const RealPath& folder);
 

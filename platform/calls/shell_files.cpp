@@ -88,7 +88,8 @@ int copy_one(const PlainPath& source, const PlainPath& target) {
 std::vector<std::u16string> files_of(const RealPath& folder, const std::u16string& pattern) {
     std::vector<std::u16string> names;
     for (const platform::FolderEntry& entry : platform::folder_entries(folder))
-        if (platform::matches(pattern, entry.name) && !std::filesystem::is_directory(entry.real))
+        if (platform::matches_either(pattern, entry.name, entry.short_name) &&
+            !std::filesystem::is_directory(entry.real))
             names.push_back(entry.name);
     std::sort(names.begin(), names.end());
     return names;

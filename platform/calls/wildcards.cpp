@@ -59,4 +59,8 @@ bool matches(std::u16string_view pattern, std::u16string_view name) {
     return places.back();
 }
 
+bool matches_either(std::u16string_view pattern, std::u16string_view name, std::u16string_view short_name) {
+    return matches(pattern, name) || (!short_name.empty() && matches(pattern, short_name));
+}
+
 } // namespace platform

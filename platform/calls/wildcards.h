@@ -11,4 +11,8 @@ bool has_wildcard(std::u16string_view text);
 // wildcard also matches the name's end, so that "read.*" finds a file "read".
 bool matches(std::u16string_view pattern, std::u16string_view name);
 
+// Whether a file's name or its short one, if it has one, matches: "*.inf" finds "x.info", which is X~1.INF
+// too.
+bool matches_either(std::u16string_view pattern, std::u16string_view name, std::u16string_view short_name);
+
 } // namespace platform

@@ -1,5 +1,6 @@
-// Files and folders. Names go without regard to case; a path of MAX_PATH characters or more (a folder to create:
-// of MAX_PATH - 12) is refused unless it begins with "\\?\".
+// Files and folders. Names go without regard to case, and a short name opens what the long one does; a path
+// of MAX_PATH characters or more (a folder to create: of MAX_PATH - 12) is refused unless it begins with
+// "\\?\".
 #pragma once
 
 #include "windef.h"
@@ -89,7 +90,7 @@ struct WIN32_FIND_DATAW {
     DWORD dwReserved0;
     DWORD dwReserved1;
     WCHAR cFileName[MAX_PATH];
-    WCHAR cAlternateFileName[14];
+    WCHAR cAlternateFileName[14]; // the short name; empty when cFileName is of the form 8.3
 };
 using LPWIN32_FIND_DATAW = WIN32_FIND_DATAW*;
 
@@ -117,7 +118,8 @@ BOOL WINAPI CopyFileW(LPCWSTR source, LPCWSTR target, BOOL fail_if_exists);
 BOOL WINAPI CreateDirectoryW(LPCWSTR path, LPSECURITY_ATTRIBUTES security);
 BOOL WINAPI RemoveDirectoryW(LPCWSTR path);
 
-// Entries come sorted by their upper-case names, "." and ".." first.
+// Entries come sorted by their upper-case names, "." and ".." first. The pattern is held against the short
+// names as well.
 HANDLE WINAPI FindFirstFileW(LPCWSTR pattern, LPWIN32_FIND_DATAW entry);
 BOOL WINAPI FindNextFileW(HANDLE search, LPWIN32_FIND_DATAW entry);
 BOOL WINAPI FindClose(HANDLE search);

@@ -37,7 +37,7 @@ TEST_F(FindFiles, PatternsMatchByThePlatformsRules) {
     } cases[] = {
         {TEXT("*"), TEXT(". .. a.b.inf A.INF b.inf read Sub.inf x.info _c.inf")},
         {TEXT("*.*"), TEXT(". .. a.b.inf A.INF b.inf read Sub.inf x.info _c.inf")},
-        {TEXT("*.INF"), TEXT("a.b.inf A.INF b.inf Sub.inf _c.inf")},
+        {TEXT("*.INF"), TEXT("a.b.inf A.INF b.inf Sub.inf x.info _c.inf")}, // by its short name
         {TEXT("?.inf"), TEXT("A.INF b.inf")},
         {TEXT("??.inf"), TEXT("A.INF b.inf _c.inf")},
         {TEXT("read.*"), TEXT("read")},
@@ -65,6 +65,31 @@ TEST_F(FindFiles, EntriesTellKindAndSize) {
     EXPECT_EQ(entry.nFileSizeLow, 5u);
     FindClose(CreateSearch(TEXT("sub"), &entry));
     EXPECT_EQ(entry.dwFileAttributes, DWORD{FILE_ATTRIBUTE_DIRECTORY});
+}
+
+TEST_F(FindFiles, NamesThatArentShortHaveAShortOneToo) {
+    const struct {
+        const WCHAR *name, *extension; // of the short name; null when there is none
+    } cases[] = {
+        {TEXT("Plain.Txt"), nullptr},      {TEXT("plain_12.t"), nullptr},
+        {TEXT("plain"), nullptr},          {TEXT("nine_char.x"), TEXT(".X")},
+        {TEXT("long.text"), TEXT(".TEX")}, {TEXT("two.points.a"), TEXT(".A")},
+        {TEXT("a b"), TEXT("")},           {TEXT("plus+.c"), TEXT(".C")},
+    };
+    for (const auto& one : cases) {
+        write(one.name, "found");
+        WIN32_FIND_DATAW entry{};
+        FindClose(CreateSearch(one.name, &entry));
+        const Text found = entry.cAlternateFileName;
+        EXPECT_EQ(!found.empty(), one.extension != nullptr) << testing::PrintToString(Text(one.name));
+        if (one.extension == nullptr || found.empty())
+            continue;
+        const size_t point = found.find('.');
+        EXPECT_TRUE(found.substr(point == Text::npos ? found.size() : point) == one.extension)
+            << testing::PrintToString(found);
+        EXPECT_EQ(read(found.c_str()), "found") << testing::PrintToString(found);
+        EXPECT_TRUE(find(found.c_str()) == one.name) << testing::PrintToString(found);
+    }
 }
 
 } // namespace

@@ -38,10 +38,12 @@ TEST_F(Shell, CopiesMatchingFilesOfOneFolder) {
     write(TEXT("from\\TWO.TKP"), "2");
     write(TEXT("from\\three.icm"), "3");
     write(TEXT("from\\folder.tkp\\below.tkp"), "4");
+    write(TEXT("from\\five.tkpx"), "5"); // FIVE~1.TKP
     write(TEXT("to\\one.tkp"), "to be replaced");
     EXPECT_EQ(copy(TEXT("from\\*.tkp"), TEXT("to\\")), 0);
     EXPECT_EQ(read(TEXT("to\\one.tkp")), "1");
     EXPECT_EQ(read(TEXT("to\\two.tkp")), "2");
+    EXPECT_EQ(read(TEXT("to\\five.tkpx")), "5");
     EXPECT_EQ(read(TEXT("to\\three.icm")), "(absent)");
     EXPECT_EQ(GetFileAttributesW(path(TEXT("to\\folder.tkp")).c_str()), INVALID_FILE_ATTRIBUTES);
     // The question for a missing target folder counts as answered by yes.

@@ -78,6 +78,31 @@ TEST_F(FilesModel, FoldersAboveTheMediumHoldTheWayDown) {
     EXPECT_TRUE(final_path(u"..\\label 100\\drivers") == u"\\\\?\\D:\\discs\\Label 100\\Drivers");
 }
 
+TEST_F(FilesModel, ShortNamesAreNumberedByTheOrderOfTheNames) {
+    for (const char* name : {"Label Printer 2.info", "label printer 1.info", "LABELP~3.INF",
+                             "Label.Printer.inf", "Größe+.cpp", "a,b[c].d e", ".profile", "x.info"})
+        write(drive_c / "S" / name, name);
+    start();
+    const struct {
+        const WCHAR *short_name, *name;
+    } cases[] = {
+        {u"LABELP~1.INF", u"label printer 1.info"},
+        {u"labelp~2.inf", u"Label Printer 2.info"},
+        {u"LABELP~4.INF", u"Label.Printer.inf"},
+        {u"GR__E_~1.CPP", u"Größe+.cpp"},
+        {u"A_B_C_~1.DE", u"a,b[c].d e"},
+        {u"PROFIL~1", u".profile"},
+        {u"X~1.INF", u"x.info"},
+    };
+    for (const auto& one : cases) {
+        WIN32_FIND_DATAW entry{};
+        FindClose(FindFirstFileW((Text(u"C:\\S\\") + one.short_name).c_str(), &entry));
+        EXPECT_TRUE(Text(entry.cFileName) == one.name) << testing::PrintToString(Text(one.short_name));
+        EXPECT_TRUE(final_path(Text(u"C:\\S\\") + one.short_name) == Text(u"\\\\?\\C:\\S\\") + one.name);
+    }
+    EXPECT_EQ(GetFileAttributesW(u"C:\\S\\LABELP~5.INF"), INVALID_FILE_ATTRIBUTES);
+}
+
 TEST_F(FilesModel, LinksShowWhereTheyLead) {
     write(drive_c / "Users" / "Guest" / "target.txt", "guest");
     write(folder.path / "outside.txt", "outside");
