@@ -14,6 +14,7 @@ namespace {
 
 constexpr size_t row_capacity = 100;
 constexpr INT name_column = 64; // dialog units
+constexpr LONG list_edge = 2;   // pixels
 
 // The next free record, or null with a line in the log.
 PrinterCandidate* next_candidate() {
@@ -23,12 +24,20 @@ PrinterCandidate* next_candidate() {
     return nullptr;
 }
 
+// Two columns of rows share the list: its usual ones are so narrow that they cut the names.
+void set_columns(HWND list) {
+    INT stop = name_column;
+    SendMessageW(list, LB_SETTABSTOPS, 1, reinterpret_cast<LPARAM>(&stop));
+    RECT place;
+    if (GetWindowRect(list, &place))
+        SendMessageW(list, LB_SETCOLUMNWIDTH, static_cast<WPARAM>((place.right - place.left) / 2 - list_edge),
+                     0);
+}
+
 } // namespace
 
 int search_printers(const char* model) {
-    INT stop = name_column;
-    SendDlgItemMessageW(app.main_dialog, IDC_PRINTER_LIST, LB_SETTABSTOPS, 1,
-                        reinterpret_cast<LPARAM>(&stop));
+    set_columns(GetDlgItem(app.main_dialog, IDC_PRINTER_LIST));
     return find_slp(model, add_candidate);
 }
 

@@ -58,6 +58,16 @@ TEST_F(CandidateList, CutsRowsAndNamesButNoAddress) {
     EXPECT_EQ(app.candidate_count, 2);
 }
 
+// A click beyond the row's column would choose a row of the next one.
+TEST_F(CandidateList, GivesRowsTheRoomOfTheLongestName) {
+    const HWND list = GetDlgItem(app.main_dialog, IDC_PRINTER_LIST);
+    search_printers("Label_100_Series");
+    add_candidate("255.255.255.255", "mmmmmmmmmmmmmmmmmmm");
+    constexpr int end_of_name = 96 + 19 * 5; // pixels
+    SendMessageW(list, WM_LBUTTONDOWN, 0, MAKELPARAM(end_of_name, 5));
+    EXPECT_EQ(SendMessageW(list, LB_GETCURSEL, 0, 0), 0);
+}
+
 TEST_F(CandidateList, EndsAtItsCapacity) {
     for (int i = 0; i <= candidate_capacity; ++i)
         add_candidate(("10.0.0." + std::to_string(i)).c_str(), "Shelf");
