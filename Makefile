@@ -1,7 +1,7 @@
 # Two commands do everything on a fresh Debian 12: `make run` and `make test`. CMake presets stand behind them.
 JOBS ?= $(shell nproc)
 
-.PHONY: help run test wine wine32 windows linux packages pictures format clean
+.PHONY: help run test wine wine32 screenshots windows linux packages pictures format clean
 .DEFAULT_GOAL := help
 
 help:
@@ -9,6 +9,7 @@ help:
 	@echo "make test     build for Windows and Linux, run all tests, check the Windows programs"
 	@echo "make wine     run the real 64-bit program under Wine and hold it against the rehearsal"
 	@echo "make wine32   the same for the 32-bit program, in an i386 root of 2 GB made with debootstrap"
+	@echo "make screenshots  photograph every dialog in every language under Wine, into docs/pictures/"
 	@echo "make windows  the two Windows programs and the library, stripped, in dist/"
 	@echo "make linux    the rehearsal tool alone, in build/linux"
 	@echo "make format   bring the sources into the project's layout"
@@ -52,6 +53,14 @@ wine32: packages
 	@cmake --build --preset windows-i686 --parallel $(JOBS) --target trk_acceptance
 	@cmake --build --preset windows-x86_64 --parallel $(JOBS) --target trk_acceptance
 	@acceptance/run_wine32.sh $(SCENARIOS)
+
+# LANGUAGES names the wanted ones, such as de or en_gb; without it all.
+screenshots: packages
+	@cmake/install_packages.sh debian-packages-wine.txt
+	@cmake/install_packages.sh debian-packages-screenshots.txt
+	@cmake/build.sh $(JOBS) linux windows-x86_64
+	@cmake --build --preset windows-x86_64 --parallel $(JOBS) --target trk_winspool --target trk_pictures
+	@acceptance/take_screenshots.sh $(LANGUAGES)
 
 pictures:
 	@mkdir -p build
