@@ -64,12 +64,7 @@ read_setting() {
 }
 
 make_medium() { # MEDIUM
-    local path
-    cp -r "$root/samples/medium" "$1"
-    cp "$program" ${sibling:+"$sibling"} "$1/"
-    for path in "${without[@]}"; do
-        rm "$1/$path"
-    done
+    lay_medium "$1" "$program" ${sibling:+"$sibling"}
     [ -z "$language" ] || printf '[UI]\r\nLanguage=%s\r\n' "$language" >"$1/wrenchbay/settings.inf"
 }
 

@@ -96,12 +96,7 @@ read_setting() { # VISIT-FOLDER
 }
 
 make_medium() { # MEDIUM
-    local path
-    cp -r "$root/samples/medium" "$1"
-    cp "$windows/src/trk_setup64.exe" "$1/"
-    for path in "${without[@]}"; do
-        rm "$1/$path"
-    done
+    lay_medium "$1" "$windows/src/trk_setup64.exe"
     [ -z "$network_only" ] || sed -i 's/usbprint\\label100, //' "$1/Drivers/lbl.inf"
 }
 

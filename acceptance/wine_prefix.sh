@@ -57,6 +57,17 @@ make_prefix() { # PREFIX MEDIUM-PARENT
     ln -s / "$prefix/dosdevices/z:"
 }
 
+# The sample medium with the programs, and without the files that the array `without` names.
+lay_medium() { # MEDIUM PROGRAM...
+    local medium=$1 path
+    shift
+    cp -r "$root/samples/medium" "$medium"
+    cp "$@" "$medium/"
+    for path in "${without[@]}"; do
+        rm "$medium/$path"
+    done
+}
+
 windows_path() { # a path of this machine, as a program in the prefix sees it
     local path=Z:$1
     echo "${path//\//\\}"
