@@ -161,6 +161,17 @@ BOOL GetWindowRect(HWND handle, LPRECT rectangle) {
     return TRUE;
 }
 
+BOOL RedrawWindow(HWND handle, const RECT* part, HRGN region, UINT flags) {
+    Call call("RedrawWindow", shown_window(handle));
+    if (handle == nullptr || part != nullptr || region != nullptr ||
+        flags != (RDW_UPDATENOW | RDW_ALLCHILDREN))
+        call.refuse("only a window and its controls as a whole are brought up to date");
+    if (call.fails(ERROR_INVALID_WINDOW_HANDLE))
+        return FALSE;
+    const RunLock lock = run_threads().lock();
+    return find_window(handle) == nullptr ? FALSE : TRUE; // nothing is painted, so nothing is out of date
+}
+
 BOOL MoveWindow(HWND handle, int x, int y, int width, int height, BOOL) {
     Call call("MoveWindow", shown_window(handle));
     if (call.fails(ERROR_INVALID_WINDOW_HANDLE))

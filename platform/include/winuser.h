@@ -201,6 +201,9 @@ HWND WINAPI GetParent(HWND window);
 HWND WINAPI GetDesktopWindow();
 BOOL WINAPI GetWindowRect(HWND window, LPRECT rectangle);
 BOOL WINAPI MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint);
+#define RDW_ALLCHILDREN 0x0080
+#define RDW_UPDATENOW 0x0100
+BOOL WINAPI RedrawWindow(HWND window, const RECT* part, HRGN region, UINT flags);
 BOOL WINAPI SetForegroundWindow(HWND window);
 BOOL WINAPI SetWindowTextW(HWND window, LPCWSTR text);
 int WINAPI GetWindowTextW(HWND window, LPWSTR buffer, int capacity);

@@ -38,6 +38,8 @@ void set_columns(HWND list) {
 
 int search_printers(const char* model) {
     set_columns(GetDlgItem(app.main_dialog, IDC_PRINTER_LIST));
+    // The search keeps this thread for seconds, in which nothing is painted.
+    RedrawWindow(app.main_dialog, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
     return find_slp(model, add_candidate);
 }
 

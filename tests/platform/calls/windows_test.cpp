@@ -134,6 +134,7 @@ TEST_F(Windows, ShowingAndEnablingGiveTheStateBefore) {
     EXPECT_FALSE(ShowWindow(dialog, SW_SHOW));
     EXPECT_TRUE(ShowWindow(dialog, SW_SHOW));
     EXPECT_TRUE(IsWindowVisible(GetDlgItem(dialog, IDOK)));
+    EXPECT_TRUE(RedrawWindow(dialog, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN));
     EXPECT_FALSE(EnableWindow(dialog, FALSE));
     EXPECT_TRUE(EnableWindow(dialog, FALSE));
     EXPECT_FALSE(IsWindowEnabled(dialog));
@@ -160,6 +161,7 @@ TEST_F(Windows, ADestroyedWindowIsNoWindow) {
     EXPECT_TRUE(DestroyWindow(dialog));
     EXPECT_FALSE(IsWindow(dialog));
     EXPECT_FALSE(IsWindow(control));
+    EXPECT_FALSE(RedrawWindow(dialog, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN));
     for (const HWND gone : {dialog, control, static_cast<HWND>(nullptr)}) {
         SetLastError(0);
         EXPECT_FALSE(SetWindowTextW(gone, TEXT("x")));
