@@ -137,6 +137,11 @@ struct Failure {
     unsigned finds;   // the second interface answers too
 };
 
+// What a list of the tests shows; the record's bytes would be others in each run.
+void PrintTo(const Failure& failure, std::ostream* out) {
+    *out << failure.call << " " << failure.argument;
+}
+
 class FailingSearch : public NetworkSearch, public testing::WithParamInterface<Failure> {};
 
 TEST_P(FailingSearch, EndsAsMuchAsTheFailureDemands) {

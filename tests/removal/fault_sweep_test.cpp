@@ -95,6 +95,11 @@ struct Road {
     void (*run)();
 };
 
+// What a list of the tests shows; the record's bytes would be others in each run.
+void PrintTo(const Road& road, std::ostream* out) {
+    *out << road.name;
+}
+
 // The journal of one run, in which the call may fail.
 std::vector<platform::JournalEntry> run(const Road& road, const std::vector<platform::Fault>& faults) {
     TestSession test;

@@ -54,6 +54,11 @@ struct Road {
     void (*judge)(const Outcome&);
 };
 
+// What a list of the tests shows; the record's bytes would be others in each run.
+void PrintTo(const Road& road, std::ostream* out) {
+    *out << road.name;
+}
+
 const Road roads[] = {
     {"network", [](Scenario& scenario) { scenario.actions = network_install; }, expect_queue_or_reason},
     {"usb", [](Scenario& scenario) { scenario.actions = usb_install; }, expect_driver_or_reason},
