@@ -37,13 +37,15 @@ test: windows
 	@cmake/test_share.sh
 	@ctest --preset test --parallel $(JOBS) --output-on-failure
 
-# SCENARIOS names the wanted ones of acceptance/scenarios; without it all run.
+# SCENARIOS names the wanted ones of acceptance/scenarios; without it all run. REHEARSAL=test rehearses with what
+# `make test` has built, sanitizers and all, and saves a build.
+REHEARSAL ?= linux
 wine: packages
 	@cmake/install_packages.sh debian-packages-wine.txt
-	@cmake/build.sh $(JOBS) linux windows-x86_64
-	@cmake --build --preset linux --parallel $(JOBS) --target trk_acceptance
+	@cmake/build.sh $(JOBS) $(REHEARSAL) windows-x86_64
+	@cmake --build --preset $(REHEARSAL) --parallel $(JOBS) --target trk_acceptance
 	@cmake --build --preset windows-x86_64 --parallel $(JOBS) --target trk_acceptance
-	@acceptance/run_wine.sh $(SCENARIOS)
+	@TRK_LINUX_BUILD=build/$(REHEARSAL) acceptance/run_wine.sh $(SCENARIOS)
 
 # SCENARIOS is for the road on which the 32-bit program installs by itself.
 wine32: packages

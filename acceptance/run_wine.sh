@@ -23,8 +23,9 @@ cd "$(dirname "$0")/.."
 
 readonly root=$PWD
 readonly state=${TRK_WINE_STATE:-$root/build/wine}
-readonly trk=${TRK_TOOL:-$root/build/linux/rehearsal/trk}
-readonly compare=${TRK_COMPARE:-$root/build/linux/acceptance/trk_compare}
+readonly linux=$root/${TRK_LINUX_BUILD:-build/linux}
+readonly trk=$linux/rehearsal/trk
+readonly compare=$linux/acceptance/trk_compare
 readonly windows=${TRK_WINDOWS_BUILD:-$root/build/windows-x86_64}
 readonly program=${TRK_PROGRAM:-$windows/src/trk_setup64.exe} # the one that is started
 readonly sibling=${TRK_SIBLING:-} # the one that it hands over to, where it does

@@ -18,7 +18,7 @@ cd "$(dirname "$0")/.."
 
 readonly root=$PWD
 readonly state=${TRK_SCREENSHOTS_STATE:-$root/build/screenshots}
-readonly trk=${TRK_TOOL:-$root/build/linux/rehearsal/trk}
+readonly trk=$root/build/linux/rehearsal/trk
 readonly windows=${TRK_WINDOWS_BUILD:-$root/build/windows-x86_64}
 readonly pictures=${TRK_PICTURES:-$root/docs/pictures}
 readonly template=$state/template
