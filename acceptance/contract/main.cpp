@@ -3,6 +3,8 @@
 // deviate from the documented platform. 0 when all else is as the tests have it.
 #include "judge.h"
 
+#include "harness/calls_fixture.h"
+
 #include <windows.h>
 
 #include <cstdio>
@@ -17,30 +19,28 @@ bool is_child() {
     return name != nullptr && std::wcscmp(name + 1, child_name) == 0;
 }
 
-// On the documented platform the print spooler runs from the start.
-bool start_spooler() {
+// On the documented platform the print spooler runs from the start. 0, or the error.
+DWORD start_spooler() {
     const SC_HANDLE manager = OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT);
     const SC_HANDLE service = OpenServiceW(manager, L"Spooler", SERVICE_START);
-    const bool started =
-        StartServiceW(service, 0, nullptr) || GetLastError() == ERROR_SERVICE_ALREADY_RUNNING;
+    const DWORD error = StartServiceW(service, 0, nullptr) ? 0 : GetLastError();
     CloseServiceHandle(service);
     CloseServiceHandle(manager);
-    return started;
+    return error == ERROR_SERVICE_ALREADY_RUNNING ? 0 : error;
 }
 
 } // namespace
 
 int main(int count, char** arguments) {
     if (is_child())
-        return 5;
+        return child_exit_code;
     testing::InitGoogleTest(&count, arguments);
     if (count != 2) {
         std::fprintf(stderr, "usage: trk_contract DEVIATIONS [OPTION OF GOOGLETEST]...\n");
         return 2;
     }
-    if (!start_spooler()) {
-        std::fprintf(stderr, "trk_contract: the spooler's service doesn't start: error %lu\n",
-                     GetLastError());
+    if (const DWORD error = start_spooler(); error != 0) {
+        std::fprintf(stderr, "trk_contract: the spooler's service doesn't start: error %lu\n", error);
         return 2;
     }
     testing::TestEventListeners& listeners = testing::UnitTest::GetInstance()->listeners();

@@ -13,6 +13,8 @@ using Text = std::basic_string<WCHAR>;
 
 class TestSession;
 
+inline constexpr DWORD child_exit_code = 5;
+
 // Each test has a fresh machine. At its end nothing may be open, allocated or misused that it didn't
 // announce.
 class CallsTest : public testing::Test {
@@ -26,7 +28,6 @@ protected:
     static Text scratch_folder();
     // An existing program that ends at once with `child_exit_code`; there are blanks in its path.
     Text child_program() const;
-    static constexpr DWORD child_exit_code = 5;
 
 private:
     std::unique_ptr<TestSession> session_;
