@@ -1,6 +1,6 @@
 #include "rehearsal/label_printer.h"
 
-#include "calls/real_network.h"
+#include "calls/network/real_network.h"
 #include "machine/slp_agent.h"
 
 #include <arpa/inet.h>

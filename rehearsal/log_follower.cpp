@@ -1,10 +1,10 @@
 #include "rehearsal/log_follower.h"
 
-#include "app/app_state.h"
-#include "calls/code_page_table.h"
-#include "calls/file_object.h"
-#include "calls/session.h"
+#include "calls/files/file_object.h"
+#include "calls/run/session.h"
+#include "calls/text/code_page_table.h"
 #include "machine/text.h"
+#include "state/app_state.h"
 
 #include <fstream>
 #include <sstream>

@@ -1,6 +1,6 @@
 #include "rehearsal/machine_view.h"
 
-#include "calls/link_reader.h"
+#include "calls/shell/link_reader.h"
 #include "machine/text.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // What the machine holds after a run, for people.
 #pragma once
 
-#include "calls/link_reader.h"
+#include "calls/shell/link_reader.h"
 #include "rehearsal/outcome.h"
 
 #include <map>

@@ -1,8 +1,8 @@
 // What came of a rehearsed run, and the judgement over it.
 #pragma once
 
-#include "calls/gate.h"
-#include "calls/user.h"
+#include "calls/run/gate.h"
+#include "calls/run/user.h"
 #include "machine/machine.h"
 #include "rehearsal/drive_files.h"
 

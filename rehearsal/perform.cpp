@@ -1,6 +1,6 @@
 #include "rehearsal/action_script.h"
 
-#include "calls/user_input.h"
+#include "calls/windows/user_input.h"
 
 namespace rehearsal {
 

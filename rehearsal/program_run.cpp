@@ -1,9 +1,9 @@
 #include "rehearsal/program_run.h"
 
-#include "app/app_state.h"
-#include "calls/session.h"
-#include "calls/user_input.h"
+#include "calls/run/session.h"
+#include "calls/windows/user_input.h"
 #include "machine/text.h"
+#include "state/app_state.h"
 
 #include <windows.h>
 

@@ -1,7 +1,7 @@
 // One run of the real program in a session of its own.
 #pragma once
 
-#include "calls/gate.h"
+#include "calls/run/gate.h"
 #include "rehearsal/log_follower.h"
 #include "rehearsal/outcome.h"
 

@@ -1,6 +1,6 @@
 #include "rehearsal/terminal_view.h"
 
-#include "calls/user_input.h"
+#include "calls/windows/user_input.h"
 
 #include <algorithm>
 #include <sstream>

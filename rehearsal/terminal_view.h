@@ -2,7 +2,7 @@
 // it grows.
 #pragma once
 
-#include "calls/user.h"
+#include "calls/run/user.h"
 #include "rehearsal/log_follower.h"
 
 #include <map>

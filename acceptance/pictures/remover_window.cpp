@@ -3,9 +3,9 @@
 // A window for what the library has for removers and no dialog of the setup program shows: the list of
 // installed printers with their marks, and the strings that stand in PROGRAM's table for it. It is made of
 // the template and the picture in PROGRAM's resources, stays until it is closed, and removes nothing.
-#include "app/app_state.h"
 #include "removal/installed_printers.h"
 #include "resources/resource_ids.h"
+#include "state/app_state.h"
 #include "support/dialog_text.h"
 #include "support/text.h"
 

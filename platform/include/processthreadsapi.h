@@ -46,8 +46,9 @@ HANDLE WINAPI GetCurrentProcess();
 DWORD WINAPI GetCurrentThreadId();
 // Starts only the programs that the machine's description names; takes no environment or folder of its own.
 BOOL WINAPI CreateProcessW(LPCWSTR application, LPWSTR command_line, SECURITY_ATTRIBUTES* process_security,
-                           SECURITY_ATTRIBUTES* thread_security, BOOL inherit, DWORD flags, LPVOID environment,
-                           LPCWSTR folder, LPSTARTUPINFOW startup, LPPROCESS_INFORMATION information);
+                           SECURITY_ATTRIBUTES* thread_security, BOOL inherit, DWORD flags,
+                           LPVOID environment, LPCWSTR folder, LPSTARTUPINFOW startup,
+                           LPPROCESS_INFORMATION information);
 BOOL WINAPI GetExitCodeProcess(HANDLE process, LPDWORD exit_code);
 
 HANDLE WINAPI CreateMutexW(SECURITY_ATTRIBUTES* security, BOOL owned, LPCWSTR name);

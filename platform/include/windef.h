@@ -105,8 +105,11 @@ using WNDPROC = LRESULT (*)(HWND, UINT, WPARAM, LPARAM);
 
 #define LOWORD(value) (static_cast<WORD>(static_cast<DWORD_PTR>(value) & 0xffff))
 #define HIWORD(value) (static_cast<WORD>((static_cast<DWORD_PTR>(value) >> 16) & 0xffff))
-#define MAKEWORD(low, high) (static_cast<WORD>(static_cast<BYTE>(low) | (static_cast<WORD>(static_cast<BYTE>(high)) << 8)))
-#define MAKEWPARAM(low, high) (static_cast<WPARAM>(static_cast<DWORD>(static_cast<WORD>(low)) | (static_cast<DWORD>(static_cast<WORD>(high)) << 16)))
+#define MAKEWORD(low, high)                                                                                  \
+    (static_cast<WORD>(static_cast<BYTE>(low) | (static_cast<WORD>(static_cast<BYTE>(high)) << 8)))
+#define MAKEWPARAM(low, high)                                                                                \
+    (static_cast<WPARAM>(static_cast<DWORD>(static_cast<WORD>(low)) |                                        \
+                         (static_cast<DWORD>(static_cast<WORD>(high)) << 16)))
 #define MAKELPARAM(low, high) (static_cast<LPARAM>(MAKEWPARAM(low, high)))
 #define MAKEINTRESOURCEW(id) (reinterpret_cast<LPWSTR>(static_cast<ULONG_PTR>(static_cast<WORD>(id))))
 #define MAKEINTRESOURCE MAKEINTRESOURCEW

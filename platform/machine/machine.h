@@ -13,7 +13,8 @@
 namespace platform {
 
 // Makes the nth call of a name fail, counted over the calls whose argument contains `argument` (upper and
-// lower case alike; empty matches all), or all from the nth on. Without an error the call's usual one is given.
+// lower case alike; empty matches all), or all from the nth on. Without an error the call's usual one is
+// given.
 struct Fault {
     std::string call;
     unsigned nth = 1;
@@ -35,7 +36,7 @@ struct Folders {
 };
 
 struct RegistryValue {
-    std::uint32_t type = 1; // REG_SZ 1, REG_EXPAND_SZ 2, REG_BINARY 3, REG_DWORD 4
+    std::uint32_t type = 1;         // REG_SZ 1, REG_EXPAND_SZ 2, REG_BINARY 3, REG_DWORD 4
     std::vector<std::uint8_t> data; // texts as UTF-16LE with what terminator they have
     bool operator==(const RegistryValue&) const = default;
 };
@@ -58,7 +59,7 @@ struct Adapter {
 
 // What a service answers to successive status queries after a control; an entry holds for `milliseconds`.
 struct ServicePhase {
-    std::uint32_t state = 4; // SERVICE_STOPPED 1, START_PENDING 2, STOP_PENDING 3, RUNNING 4
+    std::uint32_t state = 4;        // SERVICE_STOPPED 1, START_PENDING 2, STOP_PENDING 3, RUNNING 4
     std::uint32_t milliseconds = 0; // 0: from here on for ever
     std::uint32_t wait_hint = 0;
     std::uint32_t checkpoint = 0;
@@ -67,12 +68,12 @@ struct ServicePhase {
 
 struct Service {
     std::u16string name;
-    std::vector<ServicePhase> now;      // the state found, and what it turns into by itself
+    std::vector<ServicePhase> now;              // the state found, and what it turns into by itself
     std::vector<ServicePhase> on_stop = {{1}};  // phases after an accepted stop control
     std::vector<ServicePhase> on_start = {{4}}; // phases after an accepted start
-    std::uint32_t stop_error = 0;  // ControlService fails with it; 0: it is accepted
-    std::uint32_t start_error = 0; // StartServiceW fails with it
-    std::vector<std::u16string> dependents; // services that depend on this one
+    std::uint32_t stop_error = 0;               // ControlService fails with it; 0: it is accepted
+    std::uint32_t start_error = 0;              // StartServiceW fails with it
+    std::vector<std::u16string> dependents;     // services that depend on this one
 };
 
 struct UsbDriverEntry {
@@ -81,14 +82,14 @@ struct UsbDriverEntry {
 
 // A present USB printer interface.
 struct UsbInterface {
-    std::u16string device_path;      // \\?\usb#vid_xxxx&pid_xxxx#instance#{guid}
-    std::u16string parent_id;        // USB\VID_xxxx&PID_xxxx\instance; empty: it has no parent
+    std::u16string device_path; // \\?\usb#vid_xxxx&pid_xxxx#instance#{guid}
+    std::u16string parent_id;   // USB\VID_xxxx&PID_xxxx\instance; empty: it has no parent
     std::vector<UsbDriverEntry> compatible_drivers;
 };
 
 // The sibling that CreateProcessW may start: a file of this name behaves like this.
 struct ChildProgram {
-    std::u16string name;             // file name, compared without regard to case
+    std::u16string name; // file name, compared without regard to case
     std::uint32_t runs_for_ms = 0;
     std::uint32_t exit_code = 0;
 };
@@ -102,7 +103,7 @@ struct Machine {
     std::string clock; // local time at start, "2024-07-04T09:05:01"; empty: the real time
     std::map<std::u16string, std::u16string> environment;
     Folders folders;
-    std::u16string current_folder = u"D:\\medium"; // where the medium stands, as the program sees it
+    std::u16string current_folder = u"D:\\medium";  // where the medium stands, as the program sees it
     std::u16string program_name = u"trk_setup.exe"; // the program file, in the current folder
     Registry registry;
     SpoolerState spooler = default_spooler();
@@ -111,12 +112,13 @@ struct Machine {
     std::vector<Adapter> adapters;
     bool discovery_port_taken = false; // another process holds UDP port 427 (scripted network)
     std::vector<ChildProgram> child_programs;
-    std::vector<std::uint32_t> missing_strings;   // string ids to leave out of the table
-    std::vector<std::string> missing_functions;   // names that GetProcAddress doesn't find
+    std::vector<std::uint32_t> missing_strings; // string ids to leave out of the table
+    std::vector<std::string> missing_functions; // names that GetProcAddress doesn't find
     std::vector<Fault> faults;
 };
 
-// What a current Windows shows this program: Spooler service running, one wired adapter, TEMP in the registry.
+// What a current Windows shows this program: Spooler service running, one wired adapter, TEMP in the
+// registry.
 Machine default_machine();
 
 } // namespace platform

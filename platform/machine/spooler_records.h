@@ -1,5 +1,5 @@
-// What the spooler's enumerations tell of its state. The record types are the caller's own platform's, so that
-// the same answers go through the rehearsal's headers and through those of the Windows compiler.
+// What the spooler's enumerations tell of its state. The record types are the caller's own platform's, so
+// that the same answers go through the rehearsal's headers and through those of the Windows compiler.
 #pragma once
 
 #include "machine/record_buffer.h"

@@ -69,8 +69,8 @@ struct PortMonitor {
 
 // A package in the driver store: a folder under FileRepository.
 struct StoredPackage {
-    std::u16string inf_path;   // full path of the INF in the store
-    bool deny_delete = false;  // the spooler refuses to delete it
+    std::u16string inf_path;  // full path of the INF in the store
+    bool deny_delete = false; // the spooler refuses to delete it
     bool operator==(const StoredPackage&) const = default;
 };
 

@@ -1,8 +1,8 @@
 #include "app/candidate_list.h"
 
-#include "app/app_state.h"
 #include "discovery/network_search.h"
 #include "resources/resource_ids.h"
+#include "state/app_state.h"
 #include "support/dialog_text.h"
 #include "support/install_log.h"
 #include "support/text.h"

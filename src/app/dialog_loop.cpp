@@ -1,6 +1,6 @@
 #include "app/dialog_loop.h"
 
-#include "app/app_state.h"
+#include "state/app_state.h"
 
 int pump_message() {
     MSG message;

@@ -1,7 +1,7 @@
 // What is installed already, and the starting state of the main dialog that follows from it.
 #pragma once
 
-#include "app/app_state.h"
+#include "state/app_state.h"
 
 // 1 when the spooler has a driver of exactly that name, else 0. With a match its version goes to version_out,
 // which may be null; without one it isn't touched.

@@ -1,7 +1,7 @@
 #include "app/end_report.h"
 
-#include "app/app_state.h"
 #include "resources/resource_ids.h"
+#include "state/app_state.h"
 #include "support/dialog_text.h"
 
 #include <winspool.h>

@@ -1,12 +1,12 @@
 #include "app/install_sequence.h"
 
-#include "app/app_state.h"
 #include "deploy/program_files.h"
 #include "package/media_table.h"
 #include "resources/resource_ids.h"
 #include "spooler/driver_package.h"
 #include "spooler/inventory.h"
 #include "spooler/tcp_port.h"
+#include "state/app_state.h"
 #include "support/dialog_text.h"
 #include "support/install_log.h"
 #include "support/text.h"

@@ -1,9 +1,9 @@
 #include "app/ip_dialog.h"
 
-#include "app/app_state.h"
 #include "app/candidate_list.h"
 #include "app/dialog_loop.h"
 #include "resources/resource_ids.h"
+#include "state/app_state.h"
 #include "support/dialog_text.h"
 #include "support/install_log.h"
 #include "support/text.h"

@@ -1,6 +1,5 @@
 #include "app/main_dialog.h"
 
-#include "app/app_state.h"
 #include "app/candidate_list.h"
 #include "app/dialog_loop.h"
 #include "app/install_sequence.h"
@@ -8,6 +7,7 @@
 #include "app/terms_page.h"
 #include "discovery/network_search.h"
 #include "resources/resource_ids.h"
+#include "state/app_state.h"
 #include "support/install_log.h"
 
 #include <process.h>

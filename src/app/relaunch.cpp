@@ -1,6 +1,6 @@
 #include "app/relaunch.h"
 
-#include "app/app_state.h"
+#include "state/app_state.h"
 #include "support/text.h"
 
 #include <iterator>

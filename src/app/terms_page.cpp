@@ -1,9 +1,9 @@
 #include "app/terms_page.h"
 
-#include "app/app_state.h"
 #include "app/dialog_loop.h"
 #include "package/settings.h"
 #include "resources/resource_ids.h"
+#include "state/app_state.h"
 #include "support/current_folder.h"
 #include "support/dialog_text.h"
 #include "support/install_log.h"

@@ -2,9 +2,9 @@
 
 #include <objbase.h>
 
-#include "app/app_state.h"
 #include "deploy/program_files.h"
 #include "deploy/shortcuts.h"
+#include "state/app_state.h"
 #include "support/current_folder.h"
 #include "support/install_log.h"
 #include "support/known_folder.h"

@@ -1,7 +1,7 @@
 #include "discovery/usb_search.h"
 
-#include "app/app_state.h"
 #include "discovery/usb_walk.h"
+#include "state/app_state.h"
 #include "support/install_log.h"
 #include "support/registry_text.h"
 #include "support/text.h"

@@ -10,7 +10,7 @@
 //     "Label 100 Driver" = Label_100_Series, usbprint\label100
 #pragma once
 
-#include "app/app_state.h"
+#include "state/app_state.h"
 
 #include <windows.h>
 

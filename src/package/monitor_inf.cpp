@@ -1,7 +1,7 @@
 #include "package/monitor_inf.h"
 
-#include "app/app_state.h"
 #include "package/package_file.h"
+#include "state/app_state.h"
 #include "support/current_folder.h"
 #include "support/install_log.h"
 #include "support/text.h"

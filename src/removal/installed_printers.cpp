@@ -2,12 +2,12 @@
 
 #include <winspool.h>
 
-#include "app/app_state.h"
 #include "discovery/usb_search.h"
 #include "removal/service_control.h"
 #include "removal/usb_ports.h"
 #include "spooler/inventory.h"
 #include "spooler/tcp_port.h"
+#include "state/app_state.h"
 #include "support/dialog_text.h"
 #include "support/install_log.h"
 #include "support/text.h"

@@ -2,7 +2,7 @@
 
 #include <winspool.h>
 
-#include "app/app_state.h"
+#include "state/app_state.h"
 #include "support/install_log.h"
 #include "support/platform_gaps.h"
 #include "support/system_text.h"

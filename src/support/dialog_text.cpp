@@ -1,7 +1,7 @@
 #include "support/dialog_text.h"
 
-#include "app/app_state.h"
 #include "resources/resource_ids.h"
+#include "state/app_state.h"
 #include "support/install_log.h"
 #include "support/system_text.h"
 #include "support/text.h"

@@ -1,6 +1,6 @@
 #include "support/install_log.h"
 
-#include "app/app_state.h"
+#include "state/app_state.h"
 #include "support/text.h"
 
 #include <iterator>

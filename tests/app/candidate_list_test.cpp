@@ -1,6 +1,6 @@
 #include "app/candidate_list.h"
 
-#include "calls/user_input.h"
+#include "calls/windows/user_input.h"
 #include "harness/test_session.h"
 #include "resources/resource_ids.h"
 

@@ -1,7 +1,7 @@
 // A machine with the sample medium, and what a deployment leaves on it.
 #pragma once
 
-#include "calls/link_reader.h"
+#include "calls/shell/link_reader.h"
 #include "harness/test_session.h"
 
 #include <gtest/gtest.h>

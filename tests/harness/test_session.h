@@ -1,9 +1,9 @@
 // A fresh machine and session for one test: a temporary folder holds drive C and the medium.
 #pragma once
 
-#include "app/app_state.h"
-#include "calls/session.h"
+#include "calls/run/session.h"
 #include "machine/text.h"
+#include "state/app_state.h"
 
 #include <filesystem>
 #include <optional>

@@ -1,6 +1,5 @@
 #include "scenarios/library_road.h"
 
-#include "app/app_state.h"
 #include "app/candidate_list.h"
 #include "app/ip_dialog.h"
 #include "deploy/monitor_layout.h"
@@ -17,6 +16,7 @@
 #include "spooler/inventory.h"
 #include "spooler/monitor_ports.h"
 #include "spooler/tcp_port.h"
+#include "state/app_state.h"
 #include "support/dialog_text.h"
 #include "support/install_log.h"
 

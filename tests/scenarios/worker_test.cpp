@@ -1,7 +1,7 @@
 // What the user tries while the worker installs, and what others have done to the log beforehand.
-#include "app/app_state.h"
-#include "calls/user_input.h"
+#include "calls/windows/user_input.h"
 #include "scenarios/scenario.h"
+#include "state/app_state.h"
 #include "support/install_log.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // What the machine's data decides in the base calls.
-#include "calls/locale_state.h"
+#include "calls/system/locale_state.h"
 #include "harness/test_session.h"
 
 #include <gtest/gtest.h>

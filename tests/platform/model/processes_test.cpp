@@ -1,6 +1,6 @@
 #include "harness/test_session.h"
 
-#include "calls/processes.h"
+#include "calls/system/processes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // What keeps real traffic on this computer.
-#include "calls/real_network.h"
+#include "calls/network/real_network.h"
 
 #include <gtest/gtest.h>
 

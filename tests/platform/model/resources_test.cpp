@@ -1,8 +1,8 @@
 // Resource files made here byte by byte: what a file cut short gives, and which language a thread gets.
 #include "harness/test_session.h"
 
-#include "calls/resource_file.h"
-#include "calls/resources.h"
+#include "calls/windows/resource_file.h"
+#include "calls/windows/resources.h"
 
 #include <gtest/gtest.h>
 

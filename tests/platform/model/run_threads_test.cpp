@@ -1,7 +1,7 @@
 // Runs with several threads: faults, ends and stops.
 #include "harness/test_session.h"
 
-#include "calls/user_input.h"
+#include "calls/windows/user_input.h"
 
 #include <gtest/gtest.h>
 

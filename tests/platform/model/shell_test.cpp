@@ -1,4 +1,4 @@
-#include "calls/link_reader.h"
+#include "calls/shell/link_reader.h"
 #include "harness/test_session.h"
 
 #include <cstdio>

@@ -1,7 +1,7 @@
 // The user of a run: actions, what they do to the dialogs, and how a run ends that nobody answers.
 #include "harness/test_session.h"
 
-#include "calls/user_input.h"
+#include "calls/windows/user_input.h"
 
 #include <gtest/gtest.h>
 

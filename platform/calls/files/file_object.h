@@ -1,0 +1,54 @@
+// What stands behind a file's handle, and what the calls know about a real file.
+#pragma once
+
+#include "calls/files/open_files.h"
+#include "calls/files/paths.h"
+#include "calls/run/kernel_object.h"
+
+#include <windows.h>
+
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <sys/stat.h>
+
+namespace platform {
+
+class File : public KernelObject {
+public:
+    File() = default;
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    ~File() override;
+    const char* kind() const override { return "file"; }
+
+    std::mutex mutex; // guards the position
+    std::uint64_t position = 0;
+    int descriptor = -1; // -1: a folder above the medium
+    bool read = false;
+    bool write = false;
+    bool append_only = false;
+    bool folder = false;
+    bool link = false; // the link itself was opened
+    std::u16string path;
+
+    // Enters the file among the open ones: false when another opening forbids it.
+    bool claim(std::uint32_t uses, std::uint32_t shares);
+
+private:
+    std::shared_ptr<OpenFiles> table_;
+    OpenFiles::Place place_;
+};
+
+// The system's code for an error of a POSIX call.
+std::uint32_t error_of(int posix_error);
+
+// FILE_ATTRIBUTE_... of a real file: a file that its owner may not write is read-only, others have the
+// archive bit.
+std::uint32_t attributes_of(const struct stat& facts, bool leads_to_folder);
+FILETIME file_time(const struct timespec& time);
+
+// Journal text for a call with a handle: the file's path, or nothing.
+std::string shown_file(const void* handle);
+
+} // namespace platform

@@ -1,0 +1,88 @@
+// The gate that every platform call passes. It knows the call's name and how often it came, writes the
+// journal, makes calls fail on demand and stops a run that asks for something the layer doesn't model.
+#pragma once
+
+#include "machine/fault_rules.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace platform {
+
+// Ends a run from inside a call: it unwinds through the program up to whoever started the run or the thread.
+struct RunStopped : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+struct JournalEntry {
+    std::string call;
+    unsigned nth = 0;      // counted for each name, from 1
+    unsigned thread = 0;   // 0 the main thread, then the others in the order of their start
+    std::string argument;  // UTF-8; what faults and readers may ask about
+    bool can_fail = false; // the call has a way to fail, and asked the gate for it
+    bool failed = false;   // a fault was due
+};
+
+class Gate {
+public:
+    explicit Gate(const std::vector<Fault>& faults) : faults_(faults) {}
+
+    // Counts and journals a call and gives its place in the journal. Throws RunStopped once the run is
+    // stopped.
+    std::size_t enter(const char* call, const std::string& argument);
+    // Whether a fault is due for the call at this place; the error is the fault's, else default_error.
+    bool fails(std::size_t place, std::uint32_t default_error, std::uint32_t& error);
+
+    // Stops the run: every later call of any thread throws. The first reason stays.
+    void stop(const std::string& reason);
+    [[noreturn]] void refuse(const std::string& reason); // stop, and leave the present call
+    bool stopped() const;
+    std::string stop_reason() const;
+
+    // Notes a use that the platform forbids (a second close, a wrong kind of handle, a freed block).
+    void misuse(const std::string& what);
+    std::vector<std::string> misuses() const;
+
+    std::vector<JournalEntry> journal() const;
+    unsigned count(const std::string& call) const;
+
+    // Called, when set, on the calling thread before a call does its work; for tests that act in mid-run.
+    std::function<void(const JournalEntry&)> on_call;
+
+private:
+    static constexpr std::size_t longest_run = 2'000'000; // calls; far above any run that ends by itself
+
+    const std::vector<Fault>& faults_;
+    FaultCounts fault_counts_;
+    std::vector<JournalEntry> journal_;
+    std::map<std::string, unsigned> counts_;
+    std::vector<std::string> misuses_;
+    std::string stop_reason_;
+    bool stopped_ = false;
+    mutable std::mutex mutex_;
+};
+
+// One call at the gate. Every function of platform/calls that stands for a platform call begins with one.
+class Call {
+public:
+    explicit Call(const char* name, std::string argument = {});
+    // True when this call has to fail. It has then set the thread's last error to error(); a call whose
+    // result is the code itself returns error().
+    bool fails(std::uint32_t default_error);
+    std::uint32_t error() const { return error_; }
+    [[noreturn]] void refuse(const std::string& why) const; // what the layer doesn't model
+
+private:
+    const char* name_;
+    std::string argument_;
+    std::size_t place_;
+    std::uint32_t error_ = 0;
+};
+
+} // namespace platform

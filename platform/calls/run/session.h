@@ -1,0 +1,73 @@
+// One run of the program over one machine: what all areas of the calls share. Areas keep their own state in
+// area<T>() and their objects behind handles.
+#pragma once
+
+#include "calls/run/clock.h"
+#include "calls/run/gate.h"
+#include "calls/run/handles.h"
+#include "calls/run/user.h"
+#include "machine/machine.h"
+
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <typeindex>
+
+namespace platform {
+
+struct SessionOptions {
+    std::filesystem::path drive_c;   // what C:\ is; must exist
+    std::filesystem::path medium;    // what the current folder is, read-only; may be empty
+    std::filesystem::path resources; // the .res file
+    std::u16string command_line;     // arguments only; GetCommandLineW puts the quoted program path in front
+    bool real_time = false;          // Sleep and waits really wait; otherwise the clock jumps
+};
+
+class Session {
+public:
+    // Makes this the current session; there is one at a time. The machine is changed in place.
+    Session(Machine& machine, SessionOptions options, User& user);
+    // Waits for the run's threads and ends the session. A thread that still waits is stopped first.
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    Machine& machine;
+    const SessionOptions options;
+    User& user;
+    Clock clock;
+    Gate gate;
+    HandleTable handles;
+    MemoryLedger memory;
+
+    // An area's own state, made on first use and destroyed with the session.
+    template<class T>
+    T& area() {
+        const std::lock_guard lock(areas_mutex_);
+        auto& slot = areas_[std::type_index(typeid(T))];
+        if (!slot)
+            slot = std::make_shared<T>();
+        return *static_cast<T*>(slot.get());
+    }
+
+    // Called by the windows area at the end of the run and by the destructor: see messages.cpp.
+    void join_threads();
+
+private:
+    std::mutex areas_mutex_;
+    std::map<std::type_index, std::shared_ptr<void>> areas_;
+};
+
+// The current session; a call outside any session ends the process with a message.
+Session& session();
+
+// The calling thread's last error, as GetLastError gives it.
+void set_last_error(std::uint32_t code);
+std::uint32_t last_error();
+
+// 0 for the thread that made the session, then 1, 2, ... in the order of _beginthread.
+unsigned current_thread_number();
+void set_current_thread_number(unsigned number);
+
+} // namespace platform
