@@ -38,6 +38,11 @@ bool HandleTable::close(const void* handle) {
     return false;
 }
 
+std::string HandleTable::kind_of(const void* handle) const {
+    const auto object = peek(handle);
+    return object ? object->kind() : "no object";
+}
+
 std::vector<std::string> HandleTable::open_kinds() const {
     const std::lock_guard lock(mutex_);
     std::vector<std::string> kinds;

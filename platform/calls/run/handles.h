@@ -32,7 +32,8 @@ public:
     bool close(const void* handle);
     // The same without a note, for calls that merely ask whether a handle is good.
     std::shared_ptr<Object> peek(const void* handle) const;
-    std::vector<std::string> open_kinds() const; // what a test's end looks at
+    std::string kind_of(const void* handle) const; // "no object" where none is open
+    std::vector<std::string> open_kinds() const;   // what a test's end looks at
 
 private:
     std::shared_ptr<Object> find_object(const void* handle, const char* wanted);

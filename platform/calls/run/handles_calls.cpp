@@ -25,3 +25,19 @@ BOOL CloseHandle(HANDLE handle) {
     platform::set_last_error(ERROR_INVALID_HANDLE);
     return FALSE;
 }
+
+DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
+    platform::HandleTable& handles = platform::session().handles;
+    platform::Call call("WaitForSingleObject", handles.kind_of(handle));
+    if (call.fails(ERROR_INVALID_HANDLE))
+        return WAIT_FAILED;
+    const auto object = handles.find<platform::Object>(handle);
+    if (!object) {
+        platform::set_last_error(ERROR_INVALID_HANDLE);
+        return WAIT_FAILED;
+    }
+    const auto waited_for = std::dynamic_pointer_cast<platform::KernelObject>(object);
+    if (const auto result = waited_for ? waited_for->wait(milliseconds) : std::nullopt)
+        return *result;
+    call.refuse("waits are modelled for mutexes, threads and processes only");
+}

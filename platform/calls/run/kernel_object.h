@@ -4,8 +4,18 @@
 
 #include "calls/run/handles.h"
 
+#include <cstdint>
+#include <optional>
+
 namespace platform {
 
-struct KernelObject : Object {};
+struct KernelObject : Object {
+    // WaitForSingleObject's wait on this object and its result; nothing where waiting isn't modelled for the
+    // kind.
+    virtual std::optional<std::uint32_t> wait(std::uint32_t milliseconds) {
+        static_cast<void>(milliseconds);
+        return std::nullopt;
+    }
+};
 
 } // namespace platform

@@ -51,7 +51,7 @@ public:
         return *static_cast<T*>(slot.get());
     }
 
-    // Called by the windows area at the end of the run and by the destructor: see messages.cpp.
+    // Called by the windows area at the end of the run and by the destructor: see threads.cpp.
     void join_threads();
 
 private:

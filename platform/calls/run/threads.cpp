@@ -1,6 +1,5 @@
 #include "calls/run/threads.h"
 
-#include "calls/run/mutexes.h"
 #include "calls/run/session.h"
 
 #include <windows.h>
@@ -54,6 +53,24 @@ void RunThreads::wait(RunLock& lock, const std::function<bool()>& ready) {
     }
 }
 
+bool RunThreads::wait_for(RunLock& lock, std::uint32_t milliseconds, const std::function<bool()>& ready) {
+    if (ready())
+        return true;
+    if (milliseconds == INFINITE) {
+        wait(lock, ready);
+        return true;
+    }
+    lock.unlock();
+    session().clock.pass(milliseconds);
+    lock.lock();
+    return ready();
+}
+
+void RunThreads::tell_leaving(unsigned number) const {
+    for (const auto& left : leaving_)
+        left(number);
+}
+
 void RunThreads::run(unsigned number, const std::function<void()>& body, const std::function<void()>& ended) {
     set_current_thread_number(number);
     set_last_error(0);
@@ -63,7 +80,7 @@ void RunThreads::run(unsigned number, const std::function<void()>& body, const s
         // The reason stands at the gate; whoever started the run asks for it there.
     }
     const RunLock held = lock();
-    abandon_mutexes(number);
+    tell_leaving(number);
     ended();
     --alive_;
     wake();
@@ -86,7 +103,7 @@ unsigned RunThreads::start(std::function<void()> body, std::function<void()> end
 void RunThreads::join() {
     RunLock held = lock();
     main_left_ = true;
-    abandon_mutexes(current_thread_number());
+    tell_leaving(current_thread_number());
     wake();
     while (!threads_.empty()) {
         std::vector<std::thread> joining;
@@ -101,6 +118,16 @@ void RunThreads::join() {
 
 void Session::join_threads() {
     run_threads().join();
+}
+
+unsigned thread_id_of(unsigned thread) {
+    return 0x1000 + 4 * thread;
+}
+
+std::optional<std::uint32_t> ThreadObject::wait(std::uint32_t milliseconds) {
+    RunLock lock = run_threads().lock();
+    return run_threads().wait_for(lock, milliseconds, [this] { return ended; }) ? WAIT_OBJECT_0
+                                                                                : WAIT_TIMEOUT;
 }
 
 } // namespace platform

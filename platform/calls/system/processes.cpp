@@ -101,8 +101,8 @@ void start_program(const ChildProgram& program, const WCHAR* command_line, PROCE
 
 } // namespace
 
-std::uint32_t wait_for_process(const ProcessObject& process, std::uint32_t milliseconds) {
-    const std::uint32_t rest = rest_of(process);
+std::optional<std::uint32_t> ProcessObject::wait(std::uint32_t milliseconds) {
+    const std::uint32_t rest = rest_of(*this);
     session().clock.pass(std::min(rest, milliseconds));
     return rest > milliseconds ? WAIT_TIMEOUT : WAIT_OBJECT_0;
 }

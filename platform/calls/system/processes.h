@@ -11,13 +11,12 @@ namespace platform {
 
 struct ProcessObject final : KernelObject {
     const char* kind() const override { return "process"; }
+    // The clock jumps to the process's end or to the end of the wait.
+    std::optional<std::uint32_t> wait(std::uint32_t milliseconds) override;
     std::uint32_t started = 0; // ticks
     std::uint32_t runs_for = 0;
     std::uint32_t exit_code = 0;
 };
-
-// WaitForSingleObject on a process: the clock jumps to its end or to the end of the wait.
-std::uint32_t wait_for_process(const ProcessObject& process, std::uint32_t milliseconds);
 
 // The command lines of the programs that were started, in their order.
 std::vector<std::u16string> started_commands();
