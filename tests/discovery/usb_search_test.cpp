@@ -7,10 +7,10 @@
 
 namespace {
 
-std::vector<std::string> finds;
+std::vector<std::string> printers_found;
 
 int note_find(const WCHAR* path, const WCHAR* instance) {
-    finds.push_back(platform::to_utf8(path) + " " + platform::to_utf8(instance));
+    printers_found.push_back(platform::to_utf8(path) + " " + platform::to_utf8(instance));
     return 0;
 }
 
@@ -22,7 +22,7 @@ std::u16string device_path(const std::u16string& middle) {
 
 class UsbSearch : public testing::Test {
 protected:
-    void SetUp() override { finds.clear(); }
+    void SetUp() override { printers_found.clear(); }
 
     void plug_in(const std::u16string& path, const std::u16string& parent) {
         test.machine.usb_interfaces.push_back({path, parent, {}});
@@ -66,9 +66,10 @@ TEST_F(UsbSearch, TakesTheTextBehindTheProductId) {
     plug_in(device_path(u"VID_0A5F&pid_0080#other"), u"USB\\VID_0A5F&PID_0080\\1"); // the fragment minds case
     test.start();
     EXPECT_EQ(usb_search(u"vid_0a5f", note_find), 8);
-    ASSERT_EQ(finds.size(), std::size(table));
+    ASSERT_EQ(printers_found.size(), std::size(table));
     for (std::size_t i = 0; i < std::size(table); ++i)
-        EXPECT_EQ(finds[i], platform::to_utf8(device_path(table[i].middle)) + " " + table[i].instance);
+        EXPECT_EQ(printers_found[i],
+                  platform::to_utf8(device_path(table[i].middle)) + " " + table[i].instance);
     EXPECT_EQ(usb_search(u"vid_0a5f", nullptr), 8);
     EXPECT_EQ(usb_search(u"vid_0000", note_find), 0);
 }
@@ -77,8 +78,8 @@ TEST_F(UsbSearch, SeeksTheFragmentInTheWholePathAndCutsTheCopy) {
     plug_in(device_path(std::u16string(300, u'x') + u"end"), u"USB\\VID_0A5F&PID_0080\\1");
     test.start();
     EXPECT_EQ(usb_search(u"xend", note_find), 1);
-    ASSERT_EQ(finds.size(), 1u);
-    EXPECT_EQ(finds[0].size(), 255u + 2);
+    ASSERT_EQ(printers_found.size(), 1u);
+    EXPECT_EQ(printers_found[0].size(), 255u + 2);
 }
 
 TEST_F(UsbSearch, PassesOverWhatCantBeRead) {
@@ -89,7 +90,7 @@ TEST_F(UsbSearch, PassesOverWhatCantBeRead) {
     test.start();
     EXPECT_EQ(usb_search(u"usb", note_find), 1);
     EXPECT_EQ(test.log(), "\r\nusb_search\r\nno parent\r\ndevice id size fail\r\n");
-    EXPECT_EQ(finds, std::vector<std::string>{platform::to_utf8(device_path(u"three")) + " 3"});
+    EXPECT_EQ(printers_found, std::vector<std::string>{platform::to_utf8(device_path(u"three")) + " 3"});
     EXPECT_TRUE(platform::session().memory.live().empty());
 }
 

@@ -22,10 +22,10 @@ using rehearsal::PrinterOptions;
 
 constexpr int patient = 5000; // milliseconds
 
-const std::string request("\x02\x06\x00\x00\x38\x00\x00\x00\x00\x00\x20\x10\x00\x02"
-                          "en\x00\x00\x00\x17service:printer:raw-tcp\x00\x07"
-                          "DEFAULT\x00\x00\x00\x00",
-                          56);
+const std::string search_request("\x02\x06\x00\x00\x38\x00\x00\x00\x00\x00\x20\x10\x00\x02"
+                                 "en\x00\x00\x00\x17service:printer:raw-tcp\x00\x07"
+                                 "DEFAULT\x00\x00\x00\x00",
+                                 56);
 
 sockaddr_in endpoint(const char* address, std::uint16_t port) {
     sockaddr_in native{};
@@ -97,7 +97,7 @@ TEST(LabelPrinter, SeveralAnswerOneMulticastEachFromItsAddress) {
     EXPECT_EQ(lines.str().find("ready 127.0.0.11 slp " + std::to_string(port)), 0u) << lines.str();
 
     Client client(SOCK_DGRAM);
-    client.send(request, endpoint("239.255.255.253", port));
+    client.send(search_request, endpoint("239.255.255.253", port));
     std::map<std::string, std::string> answers;
     for (LabelPrinter* printer : {&first, &second, &third}) {
         ASSERT_EQ(printer->step(patient), LabelPrinter::Step::served);
@@ -120,14 +120,14 @@ TEST(LabelPrinter, KeepsSilentWhenTheRequestIsNoneForIt) {
     LabelPrinter printer(options_for("127.0.0.11", 0), lines);
     const sockaddr_in own = endpoint("127.0.0.11", printer.discovery_port());
     Client client(SOCK_DGRAM);
-    std::string other_service = request;
+    std::string other_service = search_request;
     other_service.replace(other_service.find("raw-tcp"), 7, "raw-udp");
-    for (const std::string& bytes : {std::string("nonsense"), request.substr(0, 55), other_service}) {
+    for (const std::string& bytes : {std::string("nonsense"), search_request.substr(0, 55), other_service}) {
         client.send(bytes, own);
         ASSERT_EQ(printer.step(patient), LabelPrinter::Step::served);
     }
     EXPECT_EQ(printer.answers(), 0u);
-    client.send(request, own);
+    client.send(search_request, own);
     ASSERT_EQ(printer.step(patient), LabelPrinter::Step::served);
     EXPECT_EQ(client.receive().first, "127.0.0.11");
     EXPECT_FALSE(client.has_more());

@@ -24,7 +24,7 @@ struct Row {
     bool to_the_end = false; // the run went on to the label sizes
 };
 
-const Row table[] = {
+const Row failing_steps[] = {
     {"upload",
      {"UploadPrinterDriverPackageW", 1, false, 5, ""},
      "lbl.inf\r\nUploadPrinterDriverPackage error 80070005 Access is denied.\r\nPrinter Driver install "
@@ -58,7 +58,7 @@ const Row table[] = {
      success,
      default_too,
      true},
-    {"media table",
+    {"media failing_steps",
      {"CreateFileW", 1, false, 2, "media.inf"},
      "Adding printer Label 100 Series\r\nfailed to open media.inf\r\n",
      success,
@@ -105,7 +105,7 @@ const Row table[] = {
 };
 
 TEST(FailedInstall, IsToldAndLeavesWhatWasMade) {
-    for (const Row& row : table) {
+    for (const Row& row : failing_steps) {
         SCOPED_TRACE(row.name);
         Scenario scenario;
         scenario.actions = network_install;

@@ -13,7 +13,7 @@ constexpr std::uint64_t other_version = 0x0001'0002'0003'0005; // newer, and in 
 constexpr char analyzing[] = "Analyzing setup...\r\n";
 constexpr char line_s[] = "Driver Label 100 Driver already installed. Version: 1.2.3.4\r\n";
 constexpr char line_d[] = "Installed driver has different version\r\nLabel 100 Driver : 1.2.3.5<>1.2.3.4\r\n";
-constexpr char network_mode[] = "list default install- refresh address cancel";
+constexpr char list_shown[] = "list default install- refresh address cancel";
 
 struct State {
     const char* name;
@@ -32,15 +32,15 @@ TEST(StartingState, FollowsFromTheDriver) {
     const State table[] = {
         {"same version", same_version, true, analyzing + ("\r\n" + (line_s + plug)), "usb- network cancel",
          line_s},
-        {"same version, no USB", same_version, false, analyzing + ("\r\n" + std::string(line_s)),
-         network_mode, line_s},
+        {"same version, no USB", same_version, false, analyzing + ("\r\n" + std::string(line_s)), list_shown,
+         line_s},
         {"other version", other_version, true, analyzing + ("\r\n" + text_d + remove), "refresh- cancel",
          line_d},
         {"other version, no USB", other_version, false, analyzing + ("\r\n" + text_d + remove),
          "refresh- cancel", line_d},
         {"new", 0, true, "Do not connect USB until prompted!\r\n", "usb network cancel",
          "Driver Label 100 Driver not installed\r\n"},
-        {"new, no USB", 0, false, analyzing, network_mode, "Driver Label 100 Driver not installed\r\n"},
+        {"new, no USB", 0, false, analyzing, list_shown, "Driver Label 100 Driver not installed\r\n"},
     };
     for (const State& row : table) {
         SCOPED_TRACE(row.name);
@@ -59,7 +59,7 @@ TEST(StartingState, FollowsFromTheDriver) {
         EXPECT_EQ(control_of(outcome, 105, 1006).text, "0.0.0.36");
         const std::string log = outcome.log.substr(outcome.log.find("Check installed drivers...\r\n") + 28);
         EXPECT_EQ(log.substr(0, log.find("Search for model")), row.log);
-        const bool network = row.controls == network_mode;
+        const bool network = row.controls == list_shown;
         EXPECT_EQ(control_of(outcome, 105, 1003).rows.size(), network ? 2u : 0u);
         EXPECT_EQ(control_of(outcome, 105, 1010).text,
                   network ? "Available Network Printers:" : "Connection Type:");
@@ -74,7 +74,7 @@ TEST(StartingState, NetworkButtonLeavesTheStatusEmpty) {
     const Outcome outcome = scenario.run();
     expect_clean(outcome);
     EXPECT_EQ(status_of(outcome), "");
-    EXPECT_EQ(shown_controls(outcome), network_mode);
+    EXPECT_EQ(shown_controls(outcome), list_shown);
     EXPECT_EQ(control_of(outcome, 105, 1003).rows,
               (std::vector<std::string>{"10.0.0.7\tShelf A", "10.0.0.8\tShelf B"}));
     EXPECT_TRUE(has(outcome.log, "Driver Label 100 Driver not installed\r\n"));

@@ -9,14 +9,8 @@
 namespace {
 
 using platform::File;
+using platform::file_behind;
 using platform::session;
-
-std::shared_ptr<File> file_behind(HANDLE handle) {
-    auto file = session().handles.find<File>(handle);
-    if (!file)
-        platform::set_last_error(ERROR_INVALID_HANDLE);
-    return file;
-}
 
 // Linux doesn't keep a birth time on every file system; the last change of the contents stands for it.
 BY_HANDLE_FILE_INFORMATION information_of(const File& file, const struct stat& facts) {

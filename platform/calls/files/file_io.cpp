@@ -9,22 +9,12 @@
 
 namespace {
 
+using platform::failed;
 using platform::File;
+using platform::file_behind;
 using platform::session;
 
 // The file behind the handle, or null and the last error.
-std::shared_ptr<File> file_behind(HANDLE handle) {
-    auto file = session().handles.find<File>(handle);
-    if (!file)
-        platform::set_last_error(ERROR_INVALID_HANDLE);
-    return file;
-}
-
-BOOL failed(DWORD error) {
-    platform::set_last_error(error);
-    return FALSE;
-}
-
 // The size by the file's facts: false and the last error when there are none.
 bool size_of(const File& file, std::uint64_t& size) {
     struct stat facts;

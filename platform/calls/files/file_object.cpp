@@ -26,6 +26,13 @@ bool File::claim(std::uint32_t uses, std::uint32_t shares) {
     return true;
 }
 
+std::shared_ptr<File> file_behind(const void* handle) {
+    auto file = session().handles.find<File>(handle);
+    if (!file)
+        set_last_error(ERROR_INVALID_HANDLE);
+    return file;
+}
+
 std::uint32_t error_of(int posix_error) {
     switch (posix_error) {
     case ENOENT:

@@ -40,6 +40,9 @@ private:
     OpenFiles::Place place_;
 };
 
+// The file behind a handle; null with the last error set when the handle isn't one of a file.
+std::shared_ptr<File> file_behind(const void* handle);
+
 // The system's code for an error of a POSIX call.
 std::uint32_t error_of(int posix_error);
 

@@ -46,6 +46,11 @@ std::uint32_t last_error() {
     return thread_last_error;
 }
 
+int failed(std::uint32_t code) {
+    set_last_error(code);
+    return 0;
+}
+
 unsigned current_thread_number() {
     return thread_number;
 }

@@ -65,6 +65,7 @@ Session& session();
 // The calling thread's last error, as GetLastError gives it.
 void set_last_error(std::uint32_t code);
 std::uint32_t last_error();
+int failed(std::uint32_t code); // sets the last error and gives 0, by which most calls tell that they failed
 
 // 0 for the thread that made the session, then 1, 2, ... in the order of _beginthread.
 unsigned current_thread_number();

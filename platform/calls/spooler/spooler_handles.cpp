@@ -50,11 +50,6 @@ PrintQueue* queue_behind(HANDLE handle, std::shared_ptr<SpoolerHandle>& opened) 
     return queue;
 }
 
-BOOL failed(std::uint32_t error) {
-    set_last_error(error);
-    return FALSE;
-}
-
 bool good_enumeration(const BYTE* buffer, DWORD size, const DWORD* needed, const DWORD* returned) {
     std::uint32_t error = 0;
     if (needed == nullptr || returned == nullptr)

@@ -34,8 +34,6 @@ void refuse_servers(const Call& call, const char16_t* server);
 // is gone. Call under the lock.
 PrintQueue* queue_behind(HANDLE handle, std::shared_ptr<SpoolerHandle>& opened);
 
-BOOL failed(std::uint32_t error); // sets the last error and gives FALSE
-
 // What every enumeration checks of its buffer arguments; false with the last error set.
 bool good_enumeration(const BYTE* buffer, DWORD size, const DWORD* needed, const DWORD* returned);
 

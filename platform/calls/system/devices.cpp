@@ -11,6 +11,7 @@
 
 namespace {
 
+using platform::failed;
 using platform::session;
 using platform::UsbInterface;
 
@@ -22,11 +23,6 @@ struct DeviceSet : platform::Object {
     std::vector<UsbInterface> interfaces;
     std::set<DWORD> drivers_gone; // nodes whose driver list was destroyed
 };
-
-BOOL failed(DWORD error) {
-    platform::set_last_error(error);
-    return FALSE;
-}
 
 bool same_class(const GUID& a, const GUID& b) {
     return std::memcmp(&a, &b, sizeof(GUID)) == 0;

@@ -9,6 +9,7 @@
 
 namespace {
 
+using platform::failed;
 using platform::Service;
 using platform::ServicePhase;
 using platform::session;
@@ -30,11 +31,6 @@ struct ServiceArea {
     std::mutex lock;
     std::map<std::u16string, std::uint32_t> since;
 };
-
-BOOL failed(DWORD error) {
-    platform::set_last_error(error);
-    return FALSE;
-}
 
 Service* find_service(std::u16string_view name) {
     for (Service& service : session().machine.services) {

@@ -13,11 +13,6 @@ namespace {
 using platform::CodePageTable;
 using platform::session;
 
-int refused(DWORD error) {
-    platform::set_last_error(error);
-    return 0;
-}
-
 UINT resolved(UINT code_page) {
     return code_page == CP_ACP ? session().machine.code_page : code_page;
 }
@@ -104,7 +99,7 @@ int deliver(const std::basic_string<Character>& text, Character* out, int size) 
         return static_cast<int>(text.size());
     if (capacity < text.size()) {
         std::memset(out, 0xCD, capacity * sizeof(Character));
-        return refused(ERROR_INSUFFICIENT_BUFFER);
+        return platform::failed(ERROR_INSUFFICIENT_BUFFER);
     }
     text.copy(out, text.size());
     return static_cast<int>(text.size());
@@ -122,16 +117,16 @@ int MultiByteToWideChar(UINT code_page, DWORD flags, LPCSTR bytes, int byte_coun
     if (call.fails(ERROR_NO_UNICODE_TRANSLATION))
         return 0;
     if (!good_arguments(bytes, byte_count, text, size))
-        return refused(ERROR_INVALID_PARAMETER);
+        return platform::failed(ERROR_INVALID_PARAMETER);
     const UINT page = resolved(code_page);
     const DWORD allowed = page == CP_UTF8 ? MB_ERR_INVALID_CHARS : (MB_ERR_INVALID_CHARS | MB_PRECOMPOSED);
     if ((flags & ~allowed) != 0)
-        return refused(ERROR_INVALID_FLAGS);
+        return platform::failed(ERROR_INVALID_FLAGS);
     const std::string_view in(bytes,
                               byte_count < 0 ? std::strlen(bytes) + 1 : static_cast<std::size_t>(byte_count));
     const Widened out = page == CP_UTF8 ? widen_utf8(in) : widen_by_table(table_of(call, page), in);
     if (!out.good && (flags & MB_ERR_INVALID_CHARS) != 0)
-        return refused(ERROR_NO_UNICODE_TRANSLATION);
+        return platform::failed(ERROR_NO_UNICODE_TRANSLATION);
     return deliver(out.text, text, size);
 }
 
@@ -141,19 +136,19 @@ int WideCharToMultiByte(UINT code_page, DWORD flags, LPCWSTR text, int length, L
     if (call.fails(ERROR_INVALID_PARAMETER))
         return 0;
     if (!good_arguments(text, length, bytes, size))
-        return refused(ERROR_INVALID_PARAMETER);
+        return platform::failed(ERROR_INVALID_PARAMETER);
     const std::u16string_view in(text, length < 0 ? std::char_traits<WCHAR>::length(text) + 1
                                                   : static_cast<std::size_t>(length));
     const UINT page = resolved(code_page);
     const DWORD allowed = page == CP_UTF8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS;
     if ((flags & ~allowed) != 0)
-        return refused(ERROR_INVALID_FLAGS);
+        return platform::failed(ERROR_INVALID_FLAGS);
     if (page == CP_UTF8) {
         if (default_character != nullptr || used_default != nullptr)
-            return refused(ERROR_INVALID_PARAMETER);
+            return platform::failed(ERROR_INVALID_PARAMETER);
         const Narrowed out = narrow_utf8(in);
         if (!out.good && (flags & WC_ERR_INVALID_CHARS) != 0)
-            return refused(ERROR_NO_UNICODE_TRANSLATION);
+            return platform::failed(ERROR_NO_UNICODE_TRANSLATION);
         return deliver(out.text, bytes, size);
     }
     const CodePageTable& table = table_of(call, page);

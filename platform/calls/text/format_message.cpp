@@ -93,7 +93,7 @@ bool has_language(DWORD language) {
     return language == 0 || language == 0x400 || language == 0x800 || language == 1033;
 }
 
-DWORD refused(DWORD error) {
+DWORD no_message(DWORD error) {
     platform::set_last_error(error);
     return 0;
 }
@@ -102,7 +102,7 @@ DWORD give_allocated(std::u16string_view text, LPWSTR* out, DWORD least) {
     const std::size_t characters = std::max(text.size() + 1, std::size_t{least});
     void* block = platform::session().memory.allocate(characters * sizeof(WCHAR), "LocalAlloc", false);
     if (block == nullptr)
-        return refused(ERROR_NOT_ENOUGH_MEMORY);
+        return no_message(ERROR_NOT_ENOUGH_MEMORY);
     *out = static_cast<LPWSTR>(block);
     return platform::fill_text(text, *out, static_cast<DWORD>(characters));
 }
@@ -119,20 +119,20 @@ DWORD FormatMessageW(DWORD flags, LPCVOID, DWORD code, DWORD language, LPWSTR te
     if ((flags & FORMAT_MESSAGE_FROM_SYSTEM) == 0 || (flags & ~known) != 0 || arguments != nullptr)
         call.refuse("flags " + std::to_string(flags) + ": only the system's own texts are there");
     if (text == nullptr)
-        return refused(ERROR_INVALID_PARAMETER);
+        return no_message(ERROR_INVALID_PARAMETER);
     if (!has_language(language))
-        return refused(ERROR_RESOURCE_LANG_NOT_FOUND);
+        return no_message(ERROR_RESOURCE_LANG_NOT_FOUND);
     const char16_t* found = find_text(code);
     if (found == nullptr)
-        return refused(ERROR_MR_MID_NOT_FOUND);
+        return no_message(ERROR_MR_MID_NOT_FOUND);
     const std::u16string message = std::u16string(found) + u"\r\n";
     if ((flags & FORMAT_MESSAGE_IGNORE_INSERTS) == 0 && message.find(u'%') != std::u16string::npos)
-        return refused(ERROR_INVALID_PARAMETER); // an insert that nobody gave
+        return no_message(ERROR_INVALID_PARAMETER); // an insert that nobody gave
     if ((flags & FORMAT_MESSAGE_ALLOCATE_BUFFER) != 0)
         return give_allocated(message, reinterpret_cast<LPWSTR*>(text), size);
     if (size <= message.size()) {
         platform::poison_text(text, size);
-        return refused(ERROR_INSUFFICIENT_BUFFER);
+        return no_message(ERROR_INSUFFICIENT_BUFFER);
     }
     return platform::fill_text(message, text, size);
 }

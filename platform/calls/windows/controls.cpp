@@ -8,8 +8,6 @@
 namespace platform {
 namespace {
 
-constexpr DWORD button_type_bits = 0xF;
-
 [[noreturn]] void refuse_message(const char* window, UINT message) {
     session().gate.refuse("message " + std::to_string(message) + " to " + window + " isn't modelled");
 }

@@ -4,8 +4,6 @@
 namespace platform {
 namespace {
 
-constexpr DWORD button_type_bits = 0xF;
-
 // What the keys need to know, taken under the lock.
 struct Focus {
     HWND window = nullptr;

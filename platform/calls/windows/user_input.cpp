@@ -8,8 +8,6 @@
 namespace platform {
 namespace {
 
-constexpr DWORD button_type_bits = 0xF;
-
 DWORD button_type(const Window& window) {
     return window.style & button_type_bits;
 }

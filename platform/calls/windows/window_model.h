@@ -18,6 +18,8 @@ namespace platform {
 
 enum class WindowKind { desktop, dialog, button, edit, text, picture, list };
 
+constexpr DWORD button_type_bits = 0xF; // of a button's style
+
 // In dialog units, as the template has it.
 struct UnitRectangle {
     int left = 0, top = 0, width = 0, height = 0;

@@ -19,7 +19,7 @@ const std::string good_request("\x02\x06\x00\x00\x38\x00\x00\x00\x00\x00\x20\x10
                                "DEFAULT\x00\x00\x00\x00",
                                56);
 
-platform::ScriptedDatagram answer(const std::string& from, const std::string& bytes) {
+platform::ScriptedDatagram datagram(const std::string& from, const std::string& bytes) {
     return {from, {bytes.begin(), bytes.end()}};
 }
 
@@ -28,8 +28,8 @@ protected:
     ScriptedNetwork() {
         platform::Adapter adapter;
         adapter.addresses = {"10.0.0.2", "10.0.0.3"};
-        adapter.searches = {{answer("10.0.0.7", "first"), answer("10.0.0.8", "second")},
-                            {answer("10.0.0.9", "later")}};
+        adapter.searches = {{datagram("10.0.0.7", "first"), datagram("10.0.0.8", "second")},
+                            {datagram("10.0.0.9", "later")}};
         platform::Adapter quiet;
         quiet.addresses = {"10.1.0.2"};
         test.machine.adapters = {adapter, quiet};
