@@ -10,10 +10,6 @@
 #include <span>
 #include <string>
 
-namespace CLI {
-class App;
-}
-
 namespace rehearsal {
 
 struct PrinterOptions {
@@ -53,10 +49,5 @@ private:
 
 // The attribute list of the printer's answers, with the characters that have a meaning in it escaped.
 std::string printer_attributes(const PrinterOptions& options);
-
-void add_printer(CLI::App& app, PrinterOptions& options);
-// Serves until a limit of the options, SIGTERM, SIGINT, or until nobody reads its standard output any more.
-// The first line begins with "ready". 0, or 2 when the printer couldn't be set up.
-int run_printer(const PrinterOptions& options);
 
 } // namespace rehearsal

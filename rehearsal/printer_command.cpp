@@ -1,4 +1,6 @@
 // The sub-command trk printer: its options, and the loop around the printer.
+#include "rehearsal/commands.h"
+#include "rehearsal/exit_status.h"
 #include "rehearsal/label_printer.h"
 
 #include <CLI/CLI.hpp>
@@ -6,6 +8,7 @@
 #include <array>
 #include <csignal>
 #include <iostream>
+#include <memory>
 #include <stdexcept>
 #include <sys/signalfd.h>
 #include <unistd.h>
@@ -40,9 +43,27 @@ void serve(LabelPrinter& printer, const PrinterOptions& options, int signals) {
     }
 }
 
+int run_printer(const PrinterOptions& options) {
+    // Writing to a pipe without a reader must not kill; the loop sees it and ends.
+    std::signal(SIGPIPE, SIG_IGN);
+    const int signals = ending_signals();
+    int status = ended_well;
+    try {
+        LabelPrinter printer(options, std::cout);
+        serve(printer, options, signals);
+    } catch (const std::runtime_error& error) {
+        std::cerr << "trk printer: " << error.what() << '\n';
+        status = wrong_usage;
+    }
+    close(signals);
+    return status;
+}
+
 } // namespace
 
-void add_printer(CLI::App& app, PrinterOptions& options) {
+void add_printer(CLI::App& app, int& status) {
+    const auto kept = std::make_shared<PrinterOptions>();
+    PrinterOptions& options = *kept;
     CLI::App* const command =
         app.add_subcommand("printer", "Be a label printer that answers searches and takes jobs");
     command->add_option("--address", options.address, "The printer's IPv4 address")->capture_default_str();
@@ -64,22 +85,7 @@ void add_printer(CLI::App& app, PrinterOptions& options) {
         ->capture_default_str()
         ->check(CLI::Range(1u, 86400u));
     command->footer(printer_footer);
-}
-
-int run_printer(const PrinterOptions& options) {
-    // Writing to a pipe without a reader must not kill; the loop sees it and ends.
-    std::signal(SIGPIPE, SIG_IGN);
-    const int signals = ending_signals();
-    int status = 0;
-    try {
-        LabelPrinter printer(options, std::cout);
-        serve(printer, options, signals);
-    } catch (const std::runtime_error& error) {
-        std::cerr << "trk printer: " << error.what() << '\n';
-        status = 2;
-    }
-    close(signals);
-    return status;
+    command->callback([kept, &status] { status = run_printer(*kept); });
 }
 
 } // namespace rehearsal

@@ -1,6 +1,7 @@
 #include "rehearsal/rehearse.h"
 
 #include "machine/machine_json.h"
+#include "rehearsal/exit_status.h"
 #include "rehearsal/machine_view.h"
 #include "rehearsal/program_run.h"
 #include "rehearsal/report.h"

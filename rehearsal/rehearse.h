@@ -6,14 +6,6 @@
 
 namespace rehearsal {
 
-// How a rehearsed run ended, as exit status.
-enum ExitStatus {
-    ended_well = 0,   // no failure box, and nothing failed behind a success box
-    ended_badly = 1,  // a failure box, a failure in the log, or a script that couldn't be followed
-    wrong_usage = 2,  // or an unreadable file
-    layer_refused = 3 // the program asked for something that the layer doesn't model
-};
-
 struct RehearseOptions {
     std::filesystem::path medium;
     std::filesystem::path machine_file; // empty: a fresh machine in a temporary folder

@@ -3,8 +3,8 @@
 #include "machine/machine_json.h"
 #include "machine/text.h"
 #include "rehearsal/difference.h"
+#include "rehearsal/exit_status.h"
 #include "rehearsal/program_run.h"
-#include "rehearsal/rehearse.h"
 #include "rehearsal/remover.h"
 #include "rehearsal/users.h"
 
