@@ -1,0 +1,36 @@
+#include "rehearsal/check/subjects.h"
+
+#include <stdexcept>
+
+namespace rehearsal::check {
+namespace {
+
+constexpr Subject all_subjects[] = {
+    {"layout", rules_of_layout, check_layout},
+};
+
+} // namespace
+
+std::span<const Subject> subjects() {
+    return all_subjects;
+}
+
+const Rule* find_rule(std::string_view id) {
+    for (const Subject& subject : all_subjects)
+        for (const Rule& rule : subject.rules())
+            if (rule.id == id)
+                return &rule;
+    return nullptr;
+}
+
+void Findings::add(std::string_view id, Place place, std::string reason, std::string remedy) {
+    const Rule* const rule = find_rule(id);
+    if (rule == nullptr)
+        throw std::logic_error("no rule is called " + std::string(id));
+    if (remedy.empty())
+        remedy = rule->remedy;
+    list_.push_back(
+        {std::string(id), rule->severity, std::move(place), std::move(reason), std::move(remedy)});
+}
+
+} // namespace rehearsal::check
