@@ -58,7 +58,7 @@ public:
         if (const std::uint32_t error = read_models(); error != 0)
             return error;
         for (const PackageModel& model : package_.models) {
-            if (const std::uint32_t error = read_install_section(model.install_section); error != 0)
+            if (const std::uint32_t error = read_install_section(model); error != 0)
                 return error;
         }
         return 0;
@@ -67,13 +67,14 @@ public:
 private:
     std::uint32_t read_version();
     std::uint32_t read_models();
-    std::uint32_t read_models_section(std::u16string_view name);
-    std::uint32_t read_install_section(std::u16string_view name);
-    void read_copy_list(std::u16string_view list);
+    std::uint32_t read_models_section(std::u16string_view name, TextPlace place);
+    std::uint32_t read_install_section(const PackageModel& model);
+    void read_copy_list(const InfValue& list);
     void read_data_files(std::u16string_view section);
     const InfLine* source_line(std::u16string_view section, std::u16string_view key) const;
-    void add_source(std::u16string_view file, bool part_of_driver);
-    void add_file(std::u16string path, bool optional);
+    void add_source(std::u16string_view file, TextPlace place, bool part_of_driver);
+    void add_file(std::u16string path, TextPlace place, bool optional);
+    std::uint32_t refuse(std::uint32_t code, TextPlace place, std::string reason);
 
     const InfText& inf_;
     std::u16string_view platform_;
@@ -81,22 +82,30 @@ private:
     bool system_files_ = false; // files that the package doesn't list may come with the system
 };
 
+std::uint32_t PackageReader::refuse(std::uint32_t code, TextPlace place, std::string reason) {
+    package_.fault = {code, place, std::move(reason)};
+    return code;
+}
+
 std::uint32_t PackageReader::read_version() {
+    const InfSection* section = inf_.section(u"Version");
+    const TextPlace place = section != nullptr ? section->place : TextPlace{};
     const std::u16string signature = inf_.value(u"Version", u"Signature");
     if (!same_name(signature, u"$Windows NT$") && !same_name(signature, u"$Chicago$"))
-        return inf_error::wrong_style;
+        return refuse(inf_error::wrong_style, place, "no [Version] with a Signature that is known");
     if (!same_name(inf_.value(u"Version", u"Class"), u"Printer") &&
         !same_name(inf_.value(u"Version", u"ClassGuid"), printer_class_id))
-        return inf_error::class_mismatch;
+        return refuse(inf_error::class_mismatch, place, "the Class in [Version] isn't Printer");
     const InfLine* driver_version = inf_.line(u"Version", u"DriverVer");
     if (driver_version == nullptr)
-        return inf_error::line_not_found;
+        return refuse(inf_error::line_not_found, place, "no DriverVer in [Version]");
     if (driver_version->values.size() > 1)
-        package_.version = parse_version(driver_version->values[1]);
+        package_.version = parse_version(driver_version->values[1].text);
     system_files_ = inf_.line(u"Version", u"LayoutFile") != nullptr;
     for (const std::u16string key : {u"CatalogFile", u"CatalogFile.NT"}) {
-        if (const std::u16string catalog = inf_.value(u"Version", key); !catalog.empty())
-            add_file(catalog, false);
+        const InfLine* catalog = inf_.line(u"Version", key);
+        if (catalog != nullptr && !catalog->values.front().text.empty())
+            add_file(catalog->values.front().text, catalog->values.front().place, false);
     }
     return 0;
 }
@@ -104,51 +113,55 @@ std::uint32_t PackageReader::read_version() {
 std::uint32_t PackageReader::read_models() {
     const InfSection* makers = inf_.section(u"Manufacturer");
     if (makers == nullptr)
-        return inf_error::section_not_found;
+        return refuse(inf_error::section_not_found, {}, "no section [Manufacturer]");
     for (const InfLine& maker : makers->lines) {
-        const std::u16string& name = maker.values.front();
+        const std::u16string& name = maker.values.front().text;
         if (maker.values.size() == 1) {
-            if (const std::uint32_t error = read_models_section(name); error != 0)
+            if (const std::uint32_t error = read_models_section(name, maker.values.front().place); error != 0)
                 return error;
         }
         for (std::size_t i = 1; i < maker.values.size(); ++i) {
-            if (!target_fits(maker.values[i], platform_))
+            if (!target_fits(maker.values[i].text, platform_))
                 continue;
-            if (const std::uint32_t error = read_models_section(name + u"." + maker.values[i]); error != 0)
+            if (const std::uint32_t error =
+                    read_models_section(name + u"." + maker.values[i].text, maker.values[i].place);
+                error != 0)
                 return error;
         }
     }
     return 0;
 }
 
-std::uint32_t PackageReader::read_models_section(std::u16string_view name) {
+std::uint32_t PackageReader::read_models_section(std::u16string_view name, TextPlace place) {
     const InfSection* models = inf_.section(name);
     if (models == nullptr)
-        return inf_error::section_not_found;
+        return refuse(inf_error::section_not_found, place, "no section [" + to_utf8(name) + "]");
     for (const InfLine& line : models->lines) {
         if (!line.key.empty())
-            package_.models.push_back(
-                {line.key, line.values[0], line.values.size() > 1 ? line.values[1] : u""});
+            package_.models.push_back({line.key, line.values[0].text,
+                                       line.values.size() > 1 ? line.values[1].text : u"", line.place,
+                                       line.values[0].place});
     }
     return 0;
 }
 
 // The install section for this platform, the one for all, or the plain one, in this order.
-std::uint32_t PackageReader::read_install_section(std::u16string_view name) {
-    const std::u16string base(name);
+std::uint32_t PackageReader::read_install_section(const PackageModel& model) {
+    const std::u16string& base = model.install_section;
     const std::array<std::u16string, 3> names = {base + u".NT" + std::u16string(platform_), base + u".NT",
                                                  base};
     const auto place = std::find_if(names.begin(), names.end(), [this](const auto& candidate) {
         return inf_.section(candidate) != nullptr;
     });
     if (place == names.end())
-        return inf_error::section_not_found;
+        return refuse(inf_error::section_not_found, model.section_place,
+                      "no section [" + to_utf8(base) + "]");
     if (inf_.line(*place, u"Include") != nullptr)
         system_files_ = true;
     for (const InfLine& line : inf_.section(*place)->lines) {
         if (!same_name(line.key, u"CopyFiles"))
             continue;
-        for (const std::u16string& list : line.values)
+        for (const InfValue& list : line.values)
             read_copy_list(list);
     }
     read_data_files(*place);
@@ -158,17 +171,18 @@ std::uint32_t PackageReader::read_install_section(std::u16string_view name) {
 }
 
 // Either "@file" or a section of files, each "destination[, source]".
-void PackageReader::read_copy_list(std::u16string_view list) {
-    if (list.starts_with(u'@')) {
-        add_source(list.substr(1), true);
+void PackageReader::read_copy_list(const InfValue& list) {
+    if (list.text.starts_with(u'@')) {
+        add_source(std::u16string_view(list.text).substr(1), list.place, true);
         return;
     }
-    const InfSection* files = inf_.section(list);
+    const InfSection* files = inf_.section(list.text);
     if (files == nullptr)
         return;
     for (const InfLine& line : files->lines) {
-        const bool renamed = line.values.size() > 1 && !line.values[1].empty();
-        add_source(line.values[renamed ? 1 : 0], true);
+        const bool renamed = line.values.size() > 1 && !line.values[1].text.empty();
+        const InfValue& source = line.values[renamed ? 1 : 0];
+        add_source(source.text, source.place, true);
     }
 }
 
@@ -176,8 +190,9 @@ void PackageReader::read_copy_list(std::u16string_view list) {
 // driver.
 void PackageReader::read_data_files(std::u16string_view section) {
     for (const std::u16string_view key : {u"DriverFile", u"ConfigFile", u"DataFile", u"HelpFile"}) {
-        if (const std::u16string file = inf_.value(section, key); !file.empty())
-            add_source(file, false);
+        const InfLine* line = inf_.line(section, key);
+        if (line != nullptr && !line->values.front().text.empty())
+            add_source(line->values.front().text, line->values.front().place, false);
     }
 }
 
@@ -188,17 +203,17 @@ const InfLine* PackageReader::source_line(std::u16string_view section, std::u16s
 
 // Where [SourceDisksFiles] and [SourceDisksNames] put a file: the disk's path and the file's own folder in
 // it.
-void PackageReader::add_source(std::u16string_view file, bool part_of_driver) {
+void PackageReader::add_source(std::u16string_view file, TextPlace place, bool part_of_driver) {
     const InfLine* entry = source_line(u"SourceDisksFiles", file);
     if (entry == nullptr) {
-        add_file(std::u16string(file), system_files_ || !part_of_driver);
+        add_file(std::u16string(file), place, system_files_ || !part_of_driver);
         return;
     }
-    const InfLine* disk = source_line(u"SourceDisksNames", entry->values[0]);
+    const InfLine* disk = source_line(u"SourceDisksNames", entry->values[0].text);
     std::u16string path;
     for (const std::u16string& part :
-         {disk != nullptr && disk->values.size() > 3 ? disk->values[3] : std::u16string(),
-          entry->values.size() > 1 ? entry->values[1] : std::u16string(), std::u16string(file)}) {
+         {disk != nullptr && disk->values.size() > 3 ? disk->values[3].text : std::u16string(),
+          entry->values.size() > 1 ? entry->values[1].text : std::u16string(), std::u16string(file)}) {
         std::u16string_view plain = part;
         while (plain.starts_with(u'\\') || plain.starts_with(u".\\"))
             plain.remove_prefix(1);
@@ -207,14 +222,14 @@ void PackageReader::add_source(std::u16string_view file, bool part_of_driver) {
         if (!plain.empty())
             path += (path.empty() ? u"" : u"\\") + std::u16string(plain);
     }
-    add_file(path, false);
+    add_file(path, place, false);
 }
 
-void PackageReader::add_file(std::u16string path, bool optional) {
+void PackageReader::add_file(std::u16string path, TextPlace place, bool optional) {
     const auto known = std::find_if(package_.files.begin(), package_.files.end(),
                                     [&](const auto& file) { return same_name(file.path, path); });
     if (known == package_.files.end())
-        package_.files.push_back({std::move(path), optional});
+        package_.files.push_back({std::move(path), optional, place});
     else
         known->optional = known->optional && optional;
 }
@@ -224,9 +239,11 @@ void PackageReader::add_file(std::u16string path, bool optional) {
 std::uint32_t read_inf_package(std::u16string_view text, std::u16string_view environment,
                                InfPackage& package) {
     InfText inf;
-    if (!inf.parse(text))
-        return inf_error::general_syntax;
     package = {};
+    if (!inf.parse(text)) {
+        package.fault = inf.fault();
+        return package.fault.code;
+    }
     return PackageReader(inf, platform_of(environment), package).read();
 }
 

@@ -2,6 +2,8 @@
 // and the files that belong to them.
 #pragma once
 
+#include "machine/inf_text.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -13,31 +15,26 @@ struct PackageModel {
     std::u16string driver_name;
     std::u16string install_section;
     std::u16string hardware_id; // may be empty
+    TextPlace place;            // of the entry
+    TextPlace section_place;    // of the install section's name in it
 };
 
 struct PackageFile {
     std::u16string path;   // below the INF's folder, with backslashes
     bool optional = false; // may come with the system instead
+    TextPlace place;       // of the name in the list that asks for it first
 };
 
 struct InfPackage {
     std::uint64_t version = 0; // four 16-bit fields, major on top
     std::vector<PackageModel> models;
     std::vector<PackageFile> files; // each once, without the INF
+    InfFault fault;                 // when the package is refused
 };
-
-// The published results for a bad INF; 0 when it was read.
-namespace inf_error {
-constexpr std::uint32_t general_syntax = 0x800F0003;
-constexpr std::uint32_t wrong_style = 0x800F0100; // no [Version] with a signature
-constexpr std::uint32_t section_not_found = 0x800F0101;
-constexpr std::uint32_t line_not_found = 0x800F0102;
-constexpr std::uint32_t class_mismatch = 0x800F0201; // not of class Printer
-} // namespace inf_error
 
 // `environment` is a spooler environment's name. Models in sections without a platform count for every
 // environment as long as the manufacturer's entry names no platforms. A version of the system behind a
-// platform isn't looked at.
+// platform isn't looked at. 0, or the fault's code.
 std::uint32_t read_inf_package(std::u16string_view text, std::u16string_view environment,
                                InfPackage& package);
 

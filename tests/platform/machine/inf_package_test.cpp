@@ -37,12 +37,81 @@ TEST(InfText, ReadsTheLanguage) {
         SCOPED_TRACE(to_utf8(test.key));
         const InfLine* line = inf.line(u"one", test.key);
         ASSERT_NE(line, nullptr);
-        EXPECT_EQ(line->values, test.values);
+        std::vector<std::u16string> values;
+        for (const InfValue& value : line->values)
+            values.push_back(value.text);
+        EXPECT_EQ(values, test.values);
     }
     EXPECT_EQ(inf.section(u"two"), nullptr);
+}
 
-    for (const char16_t* bad : {u"[One\r\n", u"key = value\r\n", u"[One]\r\nkey = \"open\r\n"})
-        EXPECT_FALSE(InfText().parse(bad)) << to_utf8(bad);
+std::string shown(TextPlace place) {
+    return std::to_string(place.line) + ":" + std::to_string(place.column);
+}
+
+TEST(InfText, TellsWhereEverythingStands) {
+    InfText inf;
+    ASSERT_TRUE(inf.parse(u"\uFEFF; note\r\n"
+                          u"  [ One ] ; 2\r\n"
+                          u"key = \"a;b\" ,, %Two%,%None%\r\n"
+                          u"\tlong = x, \\ ; goes on\r\n"
+                          u"\r\n"
+                          u"more = y , \\\r\n"
+                          u"   z, \\\n"
+                          u" u,v\r\n"
+                          u"[;two; \"2\"]\r\n"
+                          u"alone\r\n"
+                          u"[Strings]\r\n"
+                          u"Two=\"long text\"\r\n"
+                          u"[one]\r\n"
+                          u"last=\r\n"
+                          u"\x1A[broken\r\n"));
+    std::string places;
+    for (const InfSection& section : inf.sections()) {
+        places += "[" + shown(section.place);
+        for (const InfLine& line : section.lines) {
+            places += " (" + shown(line.place);
+            for (const InfValue& value : line.values)
+                places += " " + shown(value.place);
+            places += ")";
+        }
+        places += "]";
+    }
+    EXPECT_EQ(places, "[2:5 (3:1 3:7 3:14 3:16 3:22) (4:2 4:9 4:12) (6:1 6:8 7:4 8:2 8:4) (14:1 14:6)]"
+                      "[9:2 (10:1 10:1)][11:2 (12:1 12:5)]");
+    ASSERT_EQ(inf.unknown_strings().size(), 1u);
+    EXPECT_EQ(inf.unknown_strings()[0].name, u"None");
+    EXPECT_EQ(shown(inf.unknown_strings()[0].place), "3:22");
+    EXPECT_EQ(inf.section(u";two; \"2\"")->lines.size(), 1u);
+}
+
+TEST(InfText, TellsWhereAFileIsBroken) {
+    const std::u16string much = u"[One]\nlong = " + std::u16string(3000, u'a');
+    const struct {
+        const char* name;
+        std::u16string text;
+        std::uint32_t code;
+        std::string place;
+    } cases[] = {
+        {"open header", u"; note\r\n  [One\r\n", inf_error::bad_section_name_line, "2:4"},
+        {"entry first", u"\r\nkey = value\r\n", inf_error::expected_section_name, "2:1"},
+        {"open quote", u"[One]\r\nkey = a, \"open ; quote\r\n", inf_error::general_syntax, "2:10"},
+        {"long name", u"[" + std::u16string(256, u'n') + u"]", inf_error::section_name_too_long, "1:2"},
+        {"long value", much + std::u16string(1096, u'b'), inf_error::general_syntax, "2:8"},
+        {"long by its tokens", much + u"\na = %T%\n[Strings]\nT = " + std::u16string(4095, u't') + u"\nU=1",
+         0, "0:0"},
+        {"too long by its tokens", u"[One]\na=,%T%\n[Strings]\nT = " + std::u16string(4095, u't'), 0, "0:0"},
+        {"much too long by its tokens", u"[One]\na=,%T%%T%\n[Strings]\nT = " + std::u16string(4095, u't'),
+         inf_error::general_syntax, "2:4"},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.name);
+        InfText inf;
+        EXPECT_EQ(inf.parse(test.text), test.code == 0);
+        EXPECT_EQ(inf.fault().code, test.code);
+        EXPECT_EQ(shown(inf.fault().place), test.place);
+        EXPECT_EQ(inf.fault().reason.empty(), test.code == 0);
+    }
 }
 
 constexpr std::u16string_view good_inf = u"[Version]\r\n"
@@ -107,7 +176,7 @@ TEST(InfPackage, TellsWhatIsWrong) {
         std::uint32_t result;
         std::size_t models;
     } cases[] = {
-        {"open bracket", with(u"[Version]", u"[Version"), inf_error::general_syntax, 0},
+        {"open bracket", with(u"[Version]", u"[Version"), inf_error::bad_section_name_line, 0},
         {"no signature", with(u"Signature", u"Sig"), inf_error::wrong_style, 0},
         {"other class", with(u"Class=Printer", u"Class=Mouse"), inf_error::class_mismatch, 0},
         {"class by its id", with(u"Class=Printer", u"ClassGuid={4d36e979-e325-11ce-bfc1-08002be10318}"), 0,
