@@ -8,17 +8,9 @@
 //     DLL64=lblmon64.dll
 #pragma once
 
-#include <windows.h>
+#include "state/monitor_info.h"
 
-// Capacities in characters. A value that doesn't fit is cut.
-struct MonitorInfo {
-    WCHAR folder[255]; // that was searched, with its closing backslash
-    WCHAR name[64];
-    WCHAR file[255]; // that was found, without folder
-    WCHAR prefix[64];
-    WCHAR DLL32[64]; // the monitor's file for 32-bit systems
-    WCHAR DLL64[64];
-};
+#include <windows.h>
 
 // Reads monitor.inf of the current folder, or, with `use_monitor_folder`, the first *.inf of its folder
 // monitor. 1 when a file was found and opened, whatever it holds, else 0. A field whose key isn't there keeps

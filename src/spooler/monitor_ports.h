@@ -1,9 +1,11 @@
 // Port monitors that a packaging brings along, and the ports in them.
 #pragma once
 
+#include "state/monitor_info.h"
+
 #include <windows.h>
 
-#include "package/monitor_inf.h"
+#include <cstddef>
 
 // Adds a monitor to the spooler, always for the 32-bit environment: 1 when it was added, else 0.
 int install_monitor(const MonitorInfo* info);

@@ -1,6 +1,8 @@
 // The program's shared state and the records that more than one subsystem knows. Data only.
 #pragma once
 
+#include "resources/resource_ids.h"
+
 #include <windows.h>
 
 #include <atomic>
@@ -50,10 +52,10 @@ struct AppState {
     HANDLE log_mutex = nullptr;               // made by the first write to an open log
     HANDLE closed_log = INVALID_HANDLE_VALUE; // what close_log closed; both under that mutex
     HWND main_dialog = nullptr;
-    int language = 0; // 0 to 6
+    int language = 0; // a row of the language table
     WCHAR window_title[512] = {};
     WCHAR message_caption[256] = {}; // empty until string 401 is loaded
-    StageText install_texts[3] = {{405, {}}, {418, {}}, {419, {}}};
+    StageText install_texts[3] = {{IDS_INSTALL_PRINTER, {}}, {IDS_ADDING_PORT, {}}, {IDS_ADDING_PRINTER, {}}};
     DriverIdentity driver = {};
     char model_display_name[256] = {}; // mdlName with a blank for each underscore
     WCHAR driver_name_wide[256] = {};
