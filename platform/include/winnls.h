@@ -32,6 +32,7 @@ UINT WINAPI GetACP();
 #define LANG_JAPANESE 0x11
 #define SUBLANG_NEUTRAL 0x00
 #define SUBLANG_DEFAULT 0x01
+#define SUBLANG_ENGLISH_UK 0x02
 
 #define MAKELANGID(primary, sub)                                                                             \
     (static_cast<WORD>((static_cast<WORD>(sub) << 10) | static_cast<WORD>(primary)))

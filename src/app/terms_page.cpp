@@ -54,10 +54,8 @@ int show_agreement(HWND page, const WCHAR* folder, const WCHAR* suffix) {
 void load_agreement(HWND page) {
     WCHAR folder[256];
     get_current_folder(folder, std::size(folder));
-    int text_loaded = 0;
-    if (app.language >= 1 && app.language <= 6)
-        text_loaded = show_agreement(page, folder, terms_suffix(app.language));
-    if (!text_loaded)
+    const WCHAR* const suffix = terms_suffix(app.language);
+    if (suffix[0] == 0 || !show_agreement(page, folder, suffix))
         show_agreement(page, folder, TEXT(""));
 }
 

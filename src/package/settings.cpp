@@ -1,5 +1,6 @@
 #include "package/settings.h"
 
+#include "package/languages.h"
 #include "package/package_file.h"
 #include "support/install_log.h"
 #include "support/text.h"
@@ -12,41 +13,6 @@ constexpr size_t line_capacity = 254;
 constexpr size_t value_capacity = 20;
 constexpr size_t path_capacity = 258;
 constexpr int locale_capacity = 10;
-constexpr int unknown_language = 7; // while the choice is being made
-
-struct Language {
-    WORD primary;
-    WORD sub;
-    const WCHAR* terms_suffix;
-};
-
-constexpr Language languages[] = {
-    {9, 0, TEXT("")},      // English, whichever the system has
-    {9, 2, TEXT("_ENU")},  // English of the United Kingdom
-    {12, 0, TEXT("_FRA")}, // French
-    {7, 0, TEXT("_DEU")},  // German
-    {4, 0, TEXT("_CH")},   // Chinese
-    {10, 0, TEXT("_ES")},  // Spanish
-    {17, 1, TEXT("_JPN")}, // Japanese
-};
-
-struct SettingText {
-    const char* text;
-    int language;
-};
-
-// Two letters stand for all the forms of a language.
-constexpr SettingText setting_texts[] = {{"ENG", 1}, {"ENU", 0}, {"DEU", 3}, {"FRA", 2},
-                                         {"ES", 5},  {"CH", 4},  {"JPN", 6}};
-
-struct LocaleText {
-    const WCHAR* text;
-    int language;
-};
-
-constexpr LocaleText locale_texts[] = {{TEXT("ENG"), 1}, {TEXT("DEU"), 3}, {TEXT("FRA"), 2},
-                                       {TEXT("ES"), 5},  {TEXT("CH"), 4},  {TEXT("JPN"), 6}};
-
 using SetLanguage = LANGID(WINAPI*)(LANGID);
 
 size_t line_length(const char* text, size_t size) {
@@ -85,30 +51,38 @@ DWORD find_setting(HANDLE file, const char* section, const char* key, char* valu
     return result;
 }
 
+// The language whose code the text begins with; language_count when there is none. The text's buffer holds
+// any code's length.
+int language_of_code(const WCHAR* text) {
+    int language = 0;
+    while (language < language_count) {
+        const WCHAR* const code = languages[language].code;
+        if (compare_wide(text, code, static_cast<int>(text_length(code))) == 0)
+            break;
+        ++language;
+    }
+    return language;
+}
+
 int language_of_setting(int file_flag) {
     char value[value_capacity] = {};
+    WCHAR text[value_capacity] = {};
     if (read_setting("[UI]", "Language=", value, sizeof(value), file_flag) == 0)
-        return unknown_language;
-    for (const SettingText& known : setting_texts) {
-        if (ansi_starts_with(value, known.text))
-            return known.language;
-    }
-    return unknown_language;
+        return language_count;
+    widen(text, std::size(text), value);
+    return language_of_code(text);
 }
 
 int language_of_system() {
     WCHAR locale[locale_capacity] = {};
     if (GetLocaleInfoW(LOCALE_SYSTEM_DEFAULT, LOCALE_SABBREVLANGNAME, locale, locale_capacity) == 0)
-        return 0;
-    for (const LocaleText& known : locale_texts) {
-        if (compare_wide(locale, known.text, static_cast<int>(text_length(known.text))) == 0)
-            return known.language;
-    }
-    return 0;
+        return english;
+    const int language = language_of_code(locale);
+    return language != language_count ? language : english;
 }
 
 int is_language(int language) {
-    return language >= 0 && static_cast<size_t>(language) < std::size(languages);
+    return language >= 0 && language < language_count;
 }
 
 } // namespace
@@ -154,7 +128,7 @@ int VLI_Get_Locale(DWORD* from_setting, int file_flag) {
     *from_setting = 0;
     log_line(TEXT("VLI_Get_Locale\r\n"));
     const int language = language_of_setting(file_flag);
-    if (language == unknown_language)
+    if (language == language_count)
         return language_of_system();
     *from_setting = 1;
     return language;
@@ -174,8 +148,8 @@ void apply_language(int language) {
         log_line(TEXT("error getting SetThreadUILanguage"));
         return;
     }
-    const Language& chosen = languages[language];
-    set_language(static_cast<LANGID>(chosen.sub << 10 | chosen.primary));
+    const LanguageRow& chosen = languages[language];
+    set_language(MAKELANGID(chosen.primary, chosen.sub));
     log_line(TEXT("set lang %d %d\r\n"), chosen.primary, chosen.sub);
 }
 

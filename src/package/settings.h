@@ -21,12 +21,12 @@ DWORD read_setting(const char* section, const char* key, char* value, DWORD valu
 // 0 when the first `count` characters are equal, else 1. Doesn't stop at a terminator.
 int compare_wide(const WCHAR* first, const WCHAR* second, int count);
 
-// The language index, 0 to 6. `from_setting` becomes 1 when settings.inf chose it, 0 when the system's locale
-// did.
+// The language's index (languages.h). `from_setting` becomes 1 when settings.inf chose it, 0 when the
+// system's locale did.
 int VLI_Get_Locale(DWORD* from_setting, int file_flag);
 
 // Makes the language that of the calling thread's dialogs and strings, and logs it.
 void apply_language(int language);
 
-// What the terms file of the language has behind its name; empty for index 0 and outside 0 to 6.
+// What the terms file of the language has behind its name; empty for the first one and for no language.
 const WCHAR* terms_suffix(int language);
