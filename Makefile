@@ -1,7 +1,7 @@
 # Two commands do everything on a fresh Debian 12: `make run` and `make test`. CMake presets stand behind them.
 JOBS ?= $(shell nproc)
 
-.PHONY: help run test wine wine32 screenshots windows linux packages pictures format clean
+.PHONY: help run test wine wine32 screenshots windows linux install package try-package sign packages pictures format clean
 .DEFAULT_GOAL := help
 
 help:
@@ -12,6 +12,10 @@ help:
 	@echo "make screenshots  photograph every dialog in every language under Wine, into docs/pictures/"
 	@echo "make windows  the two Windows programs and the library, stripped, in dist/"
 	@echo "make linux    the rehearsal tool alone, in build/linux"
+	@echo "make install  trk with manual pages, samples and docs, below PREFIX (/usr/local)"
+	@echo "make package  trk's Debian package, and a zip of the Windows programs, in dist/"
+	@echo "make try-package  as root: install trk's package in a clean Debian root and use it there"
+	@echo "make sign CERT=FILE KEY=FILE  sign the Windows programs, into dist/signed/"
 	@echo "make format   bring the sources into the project's layout"
 	@echo "make pictures draw the icon and the banner again"
 	@echo "make packages install what the build needs from Debian's packages"
@@ -63,6 +67,26 @@ screenshots: packages
 	@cmake/build.sh $(JOBS) linux windows-x86_64
 	@cmake --build --preset windows-x86_64 --parallel $(JOBS) --target trk_winspool --target trk_pictures
 	@acceptance/take_screenshots.sh $(LANGUAGES)
+
+# The manual pages come from the help of the program that was just built.
+PREFIX ?= /usr/local
+install: linux
+	@cmake/install_packages.sh debian-packages-packaging.txt
+	@cmake --build --preset linux --target trk_manuals
+	@DESTDIR=$(DESTDIR) cmake --install build/linux --prefix $(PREFIX)
+
+package: linux windows
+	@cmake/install_packages.sh debian-packages-packaging.txt
+	@packaging/debian_package.sh
+	@packaging/windows_zip.sh
+
+try-package: package
+	@cmake/install_packages.sh debian-packages-wine32.txt
+	@packaging/try_package.sh
+
+sign: windows
+	@cmake/install_packages.sh debian-packages-packaging.txt
+	@packaging/sign.sh "$(CERT)" "$(KEY)"
 
 pictures:
 	@mkdir -p build

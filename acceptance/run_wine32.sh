@@ -25,13 +25,6 @@ fail() {
     exit 1
 }
 
-# The mirror and the suite of Debian's main archive, as apt has them.
-find_mirror() {
-    # shellcheck disable=SC2016
-    apt-get indextargets --format '$(REPO_URI) $(CODENAME)' \
-        'Created-By: Packages' 'Origin: Debian' 'Label: Debian' 'Component: main' | grep -m 1 '^https\?:'
-}
-
 in_base() { timeout "$fetch_timeout" chroot "$@" </dev/null >>"$state/root.log" 2>&1; }
 
 bootstrap() { # FOLDER SUITE MIRROR
@@ -46,9 +39,7 @@ bootstrap() { # FOLDER SUITE MIRROR
 make_root() {
     local fresh=$base.new mirror suite
     [ "$(cat "$base/made-for" 2>/dev/null)" != "$recipe" ] || return 0
-    # The package lists may be absent.
-    [ -n "$(find_mirror)" ] || timeout "$fetch_timeout" apt-get update --quiet >/dev/null 2>&1 || true
-    read -r mirror suite < <(find_mirror) || fail "apt knows no mirror of Debian's main archive"
+    read -r mirror suite < <(cmake/find_mirror.sh) || fail "there is nowhere to load the root from"
     say "making an i386 root with Wine, about 2 GB, from $mirror"
     rm -rf --one-file-system "$base" "$fresh"
     : >"$state/root.log"
