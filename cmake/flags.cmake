@@ -22,6 +22,7 @@ if(TRK_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
 endif()
 
 if(WIN32)
+  target_include_directories(trk_source_flags INTERFACE ${PROJECT_SOURCE_DIR}/windows/include)
   # Vista is the oldest system that the manifest names; what is newer is looked up at run time.
   target_compile_definitions(trk_source_flags INTERFACE _WIN32_WINNT=0x0600 WINVER=0x0600 NTDDI_VERSION=0x06000000)
   # The functions' own sections let the linker drop what nothing calls. Casts between function pointer types

@@ -18,6 +18,9 @@ struct Outcome {
     std::string log;                           // this run's part, UTF-8
     std::vector<platform::DialogView> dialogs; // with their last texts
     std::vector<platform::BoxView> boxes;
+    std::vector<std::string>
+        failed_steps;                 // as the program told them: "log: " a line, "failed: " a step's name
+    unsigned warnings = 0;            // boxes with the exclamation icon behind which the run went on
     std::vector<std::string> misuses; // what the program did that the platform forbids
     std::vector<std::string> leaks;   // handles and memory left open at the end
     std::vector<platform::JournalEntry> journal;
@@ -27,7 +30,7 @@ struct Outcome {
     DriveFiles files_after;
 };
 
-// Lines of the log that tell of a failure, wherever the run then led, and the failure boxes.
+// What failed, wherever the run then led: the steps of which the program says so, and the failure boxes.
 std::vector<std::string> find_failures(const Outcome& outcome);
 
 // The calls that faults name without ever having struck: the call didn't come, or not so often.

@@ -1,5 +1,6 @@
 #include "rehearsal/program_run.h"
 
+#include "calls/run/failed_steps.h"
 #include "calls/run/session.h"
 #include "calls/windows/user_input.h"
 #include "machine/text.h"
@@ -51,6 +52,9 @@ void enter_program(platform::Session& session, const ProgramRun& run, Outcome& o
 
 void look_at_session(platform::Session& session, Outcome& outcome) {
     outcome.dialogs = platform::dialogs();
+    for (const platform::FailedStep& step : platform::failed_steps())
+        outcome.failed_steps.push_back((step.logged ? "log: " : "failed: ") + platform::to_utf8(step.text));
+    outcome.warnings = platform::announced_warnings();
     outcome.misuses = session.gate.misuses();
     outcome.journal = session.gate.journal();
     for (const std::string& kind : session.handles.open_kinds())

@@ -7,6 +7,8 @@
 #include "support/install_log.h"
 #include "support/text.h"
 
+#include <failed_step.h>
+
 #include <winspool.h>
 
 #include <iterator>
@@ -40,6 +42,7 @@ void tell_same_version(DriverVersion installed) {
                 field(installed, 0));
     WCHAR format[262];
     if (LoadStringW(app.app_instance, IDS_ALREADY_INSTALLED, format, 260) < 1) {
+        step_failed(TEXT("loading a text"));
         tell(line, line);
         return;
     }
@@ -62,6 +65,7 @@ void tell_other_version(DriverVersion installed) {
     format_difference(line, std::size(line), TEXT("Installed driver has different version"), installed);
     WCHAR headline[260];
     if (LoadStringW(app.app_instance, IDS_DIFFERENT_VERSION, headline, std::size(headline)) < 1) {
+        step_failed(TEXT("loading a text"));
         tell(line, line);
     } else {
         WCHAR text[log_line_capacity];
@@ -127,8 +131,10 @@ void analyse_driver() {
     log_write(app.log_handle, TEXT("Check installed drivers...\r\n"));
     DriverVersion installed = 0;
     app.driver_installed = static_cast<DWORD>(find_installed_driver(app.driver_name_wide, &installed));
-    if (LoadStringW(app.app_instance, IDS_CAPTION, app.message_caption, 255) < 1)
+    if (LoadStringW(app.app_instance, IDS_CAPTION, app.message_caption, 255) < 1) {
+        step_failed(TEXT("loading the caption of the boxes"));
         app.message_caption[0] = 0;
+    }
 
     if (app.driver_installed == 0)
         start_without_driver();

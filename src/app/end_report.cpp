@@ -4,6 +4,8 @@
 #include "state/app_state.h"
 #include "support/dialog_text.h"
 
+#include <failed_step.h>
+
 #include <winspool.h>
 
 void report_end() {
@@ -16,8 +18,8 @@ void report_end() {
         message_box_string(app.app_instance, IDS_INSTALL_FAILED, MB_TOPMOST | MB_ICONEXCLAMATION);
         return;
     }
-    if (app.set_default_printer != 0)
-        SetDefaultPrinterW(app.queue_name);
+    if (app.set_default_printer != 0 && !SetDefaultPrinterW(app.queue_name))
+        step_failed(TEXT("SetDefaultPrinter"));
     message_box_string(app.app_instance, app.usb_chosen != 0 ? IDS_INSTALLED_PLUG_USB : IDS_INSTALLED,
                        MB_TOPMOST);
 }

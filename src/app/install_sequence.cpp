@@ -39,7 +39,7 @@ int take_candidate(PrinterCandidate* candidate) {
         return 1;
     }
     if (row < 0 || row >= app.candidate_count) {
-        log_write(app.log_handle, TEXT("No printer selected\r\n"));
+        log_failure(TEXT("No printer selected\r\n"));
         return 0;
     }
     *candidate = app.candidates[row];
@@ -51,7 +51,7 @@ int deploy() {
     if (deploy_program_files(TEXT("Vorlane"), app.driver_name_wide, app.driver.infFile,
                              app.model_display_name, 1))
         return 1;
-    log_write(app.log_handle, TEXT("Error setting up driver files!\r\n"));
+    log_failure(TEXT("Error setting up driver files!\r\n"));
     status_append_string(app.app_instance, app.main_dialog, IDC_STATUS, IDS_SETTING_UP_FAILED, 0);
     status_append_string(app.app_instance, app.main_dialog, IDC_STATUS, IDS_CHECK_PERMISSIONS, 0);
     return 0;
@@ -65,7 +65,7 @@ int install_driver() {
     log_write(app.log_handle, TEXT("Install Driver...\r\n"));
     if (install_driver_package(app.driver.driverName, app.driver.infPath))
         return 1;
-    log_write(app.log_handle, TEXT("Printer Driver install fail\r\n"));
+    log_failure(TEXT("Printer Driver install fail\r\n"));
     return 0;
 }
 
@@ -107,7 +107,7 @@ void make_queue(WCHAR* port_name) {
     printer_info.Attributes = PRINTER_ATTRIBUTE_LOCAL | PRINTER_ATTRIBUTE_RAW_ONLY;
     const HANDLE printer = AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&printer_info));
     if (printer == nullptr) {
-        log_line(TEXT("AddPrinter %d\r\n"), GetLastError());
+        log_failure(TEXT("AddPrinter %d\r\n"), GetLastError());
         return;
     }
     load_media_table(printer);

@@ -102,7 +102,7 @@ void ask_printer_address() {
     const DWORD error = dialog == nullptr ? GetLastError() : 0;
     log_write(app.log_handle, TEXT("CreateDialog IP\r\n"));
     if (dialog == nullptr) {
-        log_line(TEXT("CreateDialog failed %d\r\n"), error);
+        log_failure(TEXT("CreateDialog failed %d\r\n"), error);
         return;
     }
     SetWindowTextW(dialog, app.window_title);

@@ -10,6 +10,8 @@
 #include "state/app_state.h"
 #include "support/install_log.h"
 
+#include <failed_step.h>
+
 #include <process.h>
 
 const TextPair main_dialog_texts[] = {
@@ -58,7 +60,7 @@ void start_install(HWND dialog) {
     constexpr auto not_started = static_cast<uintptr_t>(-1);
     if (_beginthread(install_worker, 0, nullptr) != not_started)
         return;
-    log_write(app.log_handle, TEXT("Install thread failed\r\n"));
+    log_failure(TEXT("Install thread failed\r\n"));
     app.install_failed = 1;
     request_exit(dialog);
 }
@@ -177,6 +179,7 @@ void enter_network_mode() {
     status_set_string(app.app_instance, dialog, IDC_HEADLINE, IDS_AVAILABLE_PRINTERS, 0);
     if (probe_discovery_port() != 0) {
         log_write(app.log_handle, TEXT("Warning: another process is using the discovery port!\r\n"));
+        warning_follows();
         message_box_string(app.app_instance, IDS_PORT_TAKEN, MB_TOPMOST | MB_ICONEXCLAMATION);
     }
     search_printers(app.driver.mdlName);

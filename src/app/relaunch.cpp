@@ -3,6 +3,8 @@
 #include "state/app_state.h"
 #include "support/text.h"
 
+#include <failed_step.h>
+
 #include <iterator>
 
 namespace {
@@ -93,6 +95,7 @@ int relaunch_64(const WCHAR* child_name) {
     build_child_command(child_command, child_path);
     PROCESS_INFORMATION child = {};
     if (!startable || !start_child(child_command, &child)) {
+        step_failed(TEXT("starting the program for 64 bits"));
         if (app.silent == 0)
             MessageBoxW(nullptr, child_command, TEXT("installer can't start"),
                         MB_TOPMOST | MB_ICONEXCLAMATION);

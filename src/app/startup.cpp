@@ -14,6 +14,8 @@
 #include "support/library_search.h"
 #include "support/text.h"
 
+#include <failed_step.h>
+
 #include <iterator>
 
 namespace {
@@ -46,7 +48,10 @@ void format_time(WCHAR* out, size_t capacity, const SYSTEMTIME& time) {
 
 void open_setup_log() {
     WCHAR path[256];
-    app.log_handle = open_log(TEXT("trk_install"), TEXT(".log"), path, std::size(path));
+    const HANDLE log = open_log(TEXT("trk_install"), TEXT(".log"), path, std::size(path));
+    if (log == INVALID_HANDLE_VALUE)
+        step_failed(TEXT("opening the log"));
+    app.log_handle = log;
     SYSTEMTIME now;
     GetLocalTime(&now);
     WCHAR time[32];
@@ -72,7 +77,7 @@ void load_window_title() {
     WCHAR word[260];
     if (LoadStringW(app.app_instance, IDS_INSTALLER, word, std::size(word)) < 1) {
         copy_text(word, std::size(word), TEXT("Installer"));
-        log_write(app.log_handle, TEXT("failed\r\n"));
+        log_failure(TEXT("failed\r\n"));
     }
     format_text(app.window_title, std::size(app.window_title), TEXT("ZR Series %s"), word);
 }
@@ -80,8 +85,10 @@ void load_window_title() {
 void load_stage_texts() {
     for (StageText& stage : app.install_texts)
         if (LoadStringW(app.app_instance, stage.string_id, stage.text,
-                        static_cast<int>(std::size(stage.text))) < 1)
+                        static_cast<int>(std::size(stage.text))) < 1) {
             stage.text[0] = 0;
+            step_failed(TEXT("loading the texts of the install's stages"));
+        }
 }
 
 void show_main_dialog() {
@@ -136,7 +143,7 @@ int run_setup(HINSTANCE instance, const char* command_line) {
     if (app.main_dialog != nullptr) {
         run_dialog();
     } else {
-        log_line(TEXT("CreateDialog failed %d\r\n"), GetLastError());
+        log_failure(TEXT("CreateDialog failed %d\r\n"), GetLastError());
         message_box_text(TEXT("The setup window could not be opened."), MB_TOPMOST | MB_ICONEXCLAMATION);
     }
     close_log();

@@ -9,6 +9,8 @@
 #include "support/install_log.h"
 #include "support/text.h"
 
+#include <failed_step.h>
+
 #include <iterator>
 
 namespace {
@@ -43,11 +45,13 @@ int show_agreement(HWND page, const WCHAR* folder, const WCHAR* suffix) {
         file = CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
                            nullptr);
     if (file == INVALID_HANDLE_VALUE) {
-        log_write(app.log_handle, TEXT("license file open failed\r\n"));
+        log_failure(TEXT("license file open failed\r\n"));
         return 0;
     }
     const int shown = show_open_file(page, file);
     CloseHandle(file);
+    if (!shown)
+        step_failed(path);
     return shown;
 }
 
@@ -111,7 +115,7 @@ void show_terms_page() {
     if (page != nullptr) {
         run_page(page);
     } else {
-        log_line(TEXT("CreateDialog failed %d\r\n"), GetLastError());
+        log_failure(TEXT("CreateDialog failed %d\r\n"), GetLastError());
         EnableWindow(app.main_dialog, TRUE);
     }
     SendMessageW(app.main_dialog, setup_message, terms_page_closed, 0);

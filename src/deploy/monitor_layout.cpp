@@ -10,6 +10,8 @@
 #include "support/known_folder.h"
 #include "support/text.h"
 
+#include <failed_step.h>
+
 #include <iterator>
 
 namespace {
@@ -30,7 +32,7 @@ struct Layout {
 int names_are_plain(const WCHAR* folder_name, const WCHAR* model_text) {
     for (const WCHAR* name : {folder_name, model_text}) {
         if (!is_plain_name(name)) {
-            log_line_within(deploy_line_capacity, TEXT("not a folder name: %s\r\n"), name);
+            log_failure_within(deploy_line_capacity, TEXT("not a folder name: %s\r\n"), name);
             return 0;
         }
     }
@@ -47,21 +49,31 @@ int try_folder(const WCHAR* path, int fits, DWORD* error) {
     return made;
 }
 
+// The line just logged is no failure when it says that the folder is there already.
+void tell_failure(DWORD error) {
+    if (error != ERROR_ALREADY_EXISTS)
+        line_failed();
+}
+
 int make_program_folder(WCHAR* out, const WCHAR* base, const WCHAR* name) {
     const int fits = format_text(out, deploy_path_capacity, TEXT("%s\\%s"), base, name);
     log_write(app.log_handle, out);
     log_write(app.log_handle, TEXT("\r\n"));
     DWORD error = 0;
-    if (!try_folder(out, fits, &error))
+    if (!try_folder(out, fits, &error)) {
         log_line_within(deploy_line_capacity, TEXT("create dir failed %d %d\r\n"), 0, error);
+        tell_failure(error);
+    }
     return fits;
 }
 
 void make_group_folder(WCHAR* out, const WCHAR* base, const WCHAR* name) {
     const int fits = format_text(out, deploy_path_capacity, TEXT("%s\\%s"), base, name);
     DWORD error = 0;
-    if (!try_folder(out, fits, &error))
+    if (!try_folder(out, fits, &error)) {
         log_line_within(deploy_line_capacity, TEXT("create dir failed %d %s %d\r\n"), 0, out, error);
+        tell_failure(error);
+    }
 }
 
 // 0 when the system has no Program Files folder.
@@ -93,7 +105,7 @@ void copy_layout(const Layout* layout, const WCHAR* monitor_inf) {
     const WCHAR* target = layout->install_folder;
     WCHAR root[257]; // the current folder of at most 255 characters, and a backslash
     if (!get_current_folder(root, static_cast<DWORD>(std::size(root) - 1))) {
-        log_line(TEXT("current folder too long\r\n"));
+        log_failure(TEXT("current folder too long\r\n"));
         return;
     }
     append_text(root, std::size(root), TEXT("\\"));

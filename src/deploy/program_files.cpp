@@ -10,6 +10,8 @@
 #include "support/known_folder.h"
 #include "support/text.h"
 
+#include <failed_step.h>
+
 #include <iterator>
 
 namespace {
@@ -46,12 +48,12 @@ struct Deployment {
 // A hostile package must not choose where an administrator's files go.
 int names_are_plain(Deployment* deployment, const char* model_name) {
     if (!is_plain_name(deployment->folder_name)) {
-        log_line_within(deploy_line_capacity, TEXT("not a folder name: %s\r\n"), deployment->folder_name);
+        log_failure_within(deploy_line_capacity, TEXT("not a folder name: %s\r\n"), deployment->folder_name);
         return 0;
     }
     if (!widen(deployment->model, std::size(deployment->model), model_name) ||
         !is_plain_name(deployment->model)) {
-        log_line_within(deploy_line_capacity, TEXT("not a folder name: %S\r\n"), model_name);
+        log_failure_within(deploy_line_capacity, TEXT("not a folder name: %S\r\n"), model_name);
         return 0;
     }
     return 1;
@@ -92,13 +94,34 @@ int make_program_folders(Deployment* deployment, const char* model_name) {
     return plain;
 }
 
+// A file that may be missing and is has its line all the same; only that is no failed step.
+int copy_file(const WCHAR* source_folder, const WCHAR* source_name, const WCHAR* target_folder,
+              const WCHAR* target_name, int may_be_missing) {
+    WCHAR target[deploy_path_capacity];
+    WCHAR source[deploy_path_capacity];
+    int fits = format_text(target, std::size(target), TEXT("%s%s"), target_folder, target_name);
+    fits &= format_text(source, std::size(source), TEXT("%s%s"), source_folder, source_name);
+    log_write(app.log_handle, TEXT("Copy "));
+    log_write(app.log_handle, source);
+    log_write(app.log_handle, TEXT(" to "));
+    log_path(target);
+    const BOOL result = fits ? CopyFileW(source, target, FALSE) : FALSE;
+    if (result)
+        return 1;
+    const DWORD error = fits ? GetLastError() : ERROR_FILENAME_EXCED_RANGE;
+    log_line_within(deploy_line_capacity, TEXT("copy file failed %d %d %s\r\n"), result, error, source);
+    if (!may_be_missing || error != ERROR_FILE_NOT_FOUND)
+        line_failed();
+    return 0;
+}
+
 int copy_rows(const Deployment* deployment, const WCHAR* source_folder, const PackageFile* rows,
               size_t count) {
     for (size_t i = 0; i < count; ++i) {
         const PackageFile* row = &rows[i];
         if (row->tools_only && !deployment->with_tools)
             continue;
-        if (!copy_package_file(source_folder, row->name, deployment->install_folder, row->name) &&
+        if (!copy_file(source_folder, row->name, deployment->install_folder, row->name, row->optional) &&
             !row->optional)
             return 0;
     }
@@ -113,7 +136,7 @@ int copy_driver_inf(const Deployment* deployment, const WCHAR* source_folder, co
         CreateDirectoryW(target, nullptr);
     append_text(target, std::size(target), TEXT("\\"));
     widen(name, std::size(name), inf_file);
-    return copy_package_file(source_folder, name, target, name);
+    return copy_file(source_folder, name, target, name, 0);
 }
 
 int copy_program_files(const Deployment* deployment, const char* inf_file) {
@@ -182,7 +205,7 @@ int deploy_program_files(const WCHAR* folder_name, const WCHAR* driver_name, con
     if (!make_program_folders(&deployment, model_name))
         return 0;
     if (!get_current_folder(deployment.source_root, static_cast<DWORD>(std::size(deployment.source_root)))) {
-        log_line(TEXT("current folder too long\r\n"));
+        log_failure(TEXT("current folder too long\r\n"));
         return 0;
     }
     if (!copy_program_files(&deployment, inf_file))
@@ -193,20 +216,7 @@ int deploy_program_files(const WCHAR* folder_name, const WCHAR* driver_name, con
 
 int copy_package_file(const WCHAR* source_folder, const WCHAR* source_name, const WCHAR* target_folder,
                       const WCHAR* target_name) {
-    WCHAR target[deploy_path_capacity];
-    WCHAR source[deploy_path_capacity];
-    int fits = format_text(target, std::size(target), TEXT("%s%s"), target_folder, target_name);
-    fits &= format_text(source, std::size(source), TEXT("%s%s"), source_folder, source_name);
-    log_write(app.log_handle, TEXT("Copy "));
-    log_write(app.log_handle, source);
-    log_write(app.log_handle, TEXT(" to "));
-    log_path(target);
-    const BOOL result = fits ? CopyFileW(source, target, FALSE) : FALSE;
-    if (result)
-        return 1;
-    const DWORD error = fits ? GetLastError() : ERROR_FILENAME_EXCED_RANGE;
-    log_line_within(deploy_line_capacity, TEXT("copy file failed %d %d %s\r\n"), result, error, source);
-    return 0;
+    return copy_file(source_folder, source_name, target_folder, target_name, 0);
 }
 
 int copyDirFiles(const WCHAR* source, const WCHAR* target) {
@@ -214,8 +224,10 @@ int copyDirFiles(const WCHAR* source, const WCHAR* target) {
     log_write(app.log_handle, source);
     log_write(app.log_handle, TEXT(" to "));
     log_path(target);
-    if (text_length(source) >= deploy_path_capacity || text_length(target) >= deploy_path_capacity)
+    if (text_length(source) >= deploy_path_capacity || text_length(target) >= deploy_path_capacity) {
+        step_failed(source);
         return ERROR_FILENAME_EXCED_RANGE;
+    }
     WCHAR* from = copy_for_shell(source);
     WCHAR* to = copy_for_shell(target);
     int result = ERROR_NOT_ENOUGH_MEMORY;
@@ -228,6 +240,8 @@ int copyDirFiles(const WCHAR* source, const WCHAR* target) {
         operation.lpszProgressTitle = TEXT("");
         result = SHFileOperationW(&operation);
     }
+    if (result != 0 && result != ERROR_FILE_NOT_FOUND) // a pattern without files has nothing to copy
+        step_failed(source);
     release_bytes(from);
     release_bytes(to);
     return result;

@@ -7,6 +7,8 @@
 #include "support/known_folder.h"
 #include "support/text.h"
 
+#include <failed_step.h>
+
 #include <iterator>
 
 namespace {
@@ -17,11 +19,13 @@ constexpr size_t line_capacity = 512;
 int save_link(IShellLinkW* link, const WCHAR* link_path) {
     IPersistFile* file = nullptr;
     if (link->QueryInterface(IID_IPersistFile, reinterpret_cast<void**>(&file)) < 0) {
-        log_line(TEXT("QueryInterface failed!\r\n"));
+        log_failure(TEXT("QueryInterface failed!\r\n"));
         return 0;
     }
     const HRESULT result = file->Save(link_path, TRUE);
     file->Release();
+    if (result < 0)
+        step_failed(link_path);
     return result >= 0;
 }
 
@@ -35,6 +39,8 @@ void create_group_folder(WCHAR* path, const WCHAR* name) {
     }
     if (!result)
         log_line(TEXT("create dir failed %d %s %d\r\n"), result, path, error);
+    if (!result && error != ERROR_ALREADY_EXISTS)
+        line_failed();
 }
 
 } // namespace
@@ -50,8 +56,10 @@ int create_shortcut(int newer_system, const WCHAR* install_folder, const WCHAR* 
                          : copy_text(name, std::size(name), label);
     fits &= format_text(link_path, std::size(link_path), TEXT("%s\\%s.lnk"), group_folder, name);
     log_line_within(line_capacity, TEXT("create sc [%s] [%s] [%s]\r\n"), target, link_path, name);
-    if (!fits || !is_plain_name(name))
+    if (!fits || !is_plain_name(name)) {
+        step_failed(link_path);
         return 0;
+    }
     return create_link_file(target, link_path, name, install_folder);
 }
 
@@ -61,7 +69,7 @@ int create_link_file(const WCHAR* target, const WCHAR* link_path, const WCHAR* d
     IShellLinkW* link = nullptr;
     if (CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW,
                          reinterpret_cast<void**>(&link)) < 0) {
-        log_line(TEXT("CoCreateInstance failed!\r\n"));
+        log_failure(TEXT("CoCreateInstance failed!\r\n"));
         return 0;
     }
     link->SetPath(target);

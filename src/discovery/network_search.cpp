@@ -9,6 +9,8 @@
 #include "support/install_log.h"
 #include "support/text.h"
 
+#include <failed_step.h>
+
 #include <cstdio>
 #include <iterator>
 
@@ -86,22 +88,22 @@ int set_multicast_ttl(SOCKET handle) {
 int prepare_socket(SOCKET handle, DWORD address) {
     int result = set_socket_option(handle, SO_RCVTIMEO, receive_timeout);
     if (result < 0) {
-        log_line(TEXT("failed to SO_RCVTIMEO %d %d\r\n"), result, WSAGetLastError());
+        log_failure(TEXT("failed to SO_RCVTIMEO %d %d\r\n"), result, WSAGetLastError());
         return 0;
     }
     result = set_socket_option(handle, SO_REUSEADDR, 1);
     if (result < 0) {
-        log_line(TEXT("failed to SO_REUSEADDR %d %d\r\n"), result, WSAGetLastError());
+        log_failure(TEXT("failed to SO_REUSEADDR %d %d\r\n"), result, WSAGetLastError());
         return 0;
     }
     if (set_multicast_ttl(handle) < 0) {
-        log_line(TEXT("failed to IP_MULTICAST_TTL\r\n"));
+        log_failure(TEXT("failed to IP_MULTICAST_TTL\r\n"));
         return 0;
     }
     // The platform refuses this one behind SO_REUSEADDR; nothing depends on it.
     set_socket_option(handle, SO_EXCLUSIVEADDRUSE, 1);
     if (bind_to(handle, address, 0) == SOCKET_ERROR) {
-        log_line(TEXT("bind failed with:%d \r\n"), WSAGetLastError());
+        log_failure(TEXT("bind failed with:%d \r\n"), WSAGetLastError());
         return 0;
     }
     return 1;
@@ -114,7 +116,7 @@ int send_request(SOCKET handle) {
     const sockaddr_in group = internet_address(inet_addr(discovery_group), discovery_port);
     if (sendto(handle, reinterpret_cast<const char*>(request), length, 0,
                reinterpret_cast<const sockaddr*>(&group), sizeof group) < 0) {
-        log_line(TEXT("failed to send slp\r\n"));
+        log_failure(TEXT("failed to send slp\r\n"));
         return 0;
     }
     return 1;
@@ -157,7 +159,7 @@ int search_adapters(const char* model, PrinterFound found) {
         log_line(TEXT("Interface %d/%d\r\n"), i, adapter_count);
         const SOCKET handle = socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP);
         if (handle == INVALID_SOCKET) {
-            log_line(TEXT("failed to open socket\r\n"));
+            log_failure(TEXT("failed to open socket\r\n"));
             return 0;
         }
         const int served = search_with_socket(handle, adapter_table[i].address, model_tag, found);
@@ -185,14 +187,14 @@ DWORD collect_adapters() {
     if (list != nullptr && GetAdaptersInfo(static_cast<IP_ADAPTER_INFO*>(list), &size) == ERROR_SUCCESS)
         add_adapters(static_cast<const IP_ADAPTER_INFO*>(list));
     else
-        log_line(TEXT("Call to GetAdaptersInfo failed.\n"));
+        log_failure(TEXT("Call to GetAdaptersInfo failed.\n"));
     release_bytes(list);
     return adapter_count;
 }
 
 int find_slp(const char* model, PrinterFound found) {
     if (collect_adapters() == 0) {
-        log_line(TEXT("No active networks found!\n"));
+        log_failure(TEXT("No active networks found!\n"));
         return 0;
     }
     WSADATA data;
@@ -201,6 +203,7 @@ int find_slp(const char* model, PrinterFound found) {
         char line[64];
         format_ansi(line, std::size(line), "WSAStartup failed with error:  %d\r\n", error);
         std::fputs(line, stdout);
+        step_failed(TEXT("WSAStartup"));
         return 0;
     }
     const int served = search_adapters(model, found);
@@ -212,13 +215,17 @@ int find_slp(const char* model, PrinterFound found) {
 
 int probe_discovery_port() {
     WSADATA data;
-    if (WSAStartup(sockets_version, &data) != 0)
+    if (WSAStartup(sockets_version, &data) != 0) {
+        step_failed(TEXT("WSAStartup"));
         return 0;
+    }
     int in_use = 0;
     const SOCKET handle = socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP);
     if (handle != INVALID_SOCKET) {
         in_use = port_in_use(handle);
         closesocket(handle);
+    } else {
+        step_failed(TEXT("probing the discovery port"));
     }
     WSACleanup();
     return in_use;

@@ -116,7 +116,7 @@ int usb_search(const WCHAR* fragment, UsbPrinterFound found) {
     log_line(TEXT("\r\nusb_search\r\n"));
     const HDEVINFO set = open_usb_printers();
     if (set == INVALID_HANDLE_VALUE) {
-        log_line(TEXT("usb_search invalid handle\r\n"));
+        log_failure(TEXT("usb_search invalid handle\r\n"));
         return -1;
     }
     Search search = {fragment, found, 0};
@@ -129,7 +129,7 @@ int usb_device_check(DWORD port_number) {
     log_line(TEXT("\r\nusb_device_check\r\n"));
     const HDEVINFO set = open_usb_printers();
     if (set == INVALID_HANDLE_VALUE) {
-        log_line(TEXT("usb_device_check invalid handle\r\n"));
+        log_failure(TEXT("usb_device_check invalid handle\r\n"));
         return -1;
     }
     const DWORD data_size = sizeof(SP_DEVICE_INTERFACE_DATA);

@@ -42,7 +42,7 @@ int scan_version(const char* place, DriverVersion* version) {
     const char* numbers = place + ansi_length(version_text);
     if (scan_numbers(numbers, "%d/%d/%d,%d.%d.%d.%d", fields, std::size(fields)) <
         static_cast<int>(std::size(fields))) {
-        log_line(TEXT("Invalid DriverVer found in inf file\r\n"));
+        log_failure(TEXT("Invalid DriverVer found in inf file\r\n"));
         return 0;
     }
     *version = 0;
@@ -140,7 +140,7 @@ int search_inf_files(HANDLE search, const WCHAR* folder, WIN32_FIND_DATAW* entry
                                        fields->manu_size, fields->mdl_name, fields->mdl_size, fields->version,
                                        fields->has_usb);
         else
-            log_line(TEXT("file open failed\r\n"));
+            log_failure(TEXT("file open failed\r\n"));
         if (accepted) {
             log_line(TEXT("Found in %s \"%S\"\r\n"), entry->cFileName, fields->driver_name);
             copy_text(inf_path, path_capacity, path);
@@ -160,7 +160,7 @@ int scan_inf_driver(const char* text, const InfFields* fields) {
         return 0;
     const char* version = find_ansi(text, version_text);
     if (version == nullptr) {
-        log_line(TEXT("No DriverVer found in inf file\r\n"));
+        log_failure(TEXT("No DriverVer found in inf file\r\n"));
         return 0;
     }
     if (!scan_version(version, fields->version))
@@ -181,7 +181,7 @@ int read_inf_driver(const WCHAR* path, char* driverName, int driver_size, char* 
                     char* mdlName, int mdl_size, DriverVersion* version, DWORD* hasUSB) {
     const HANDLE file = open_package_file(path);
     if (file == INVALID_HANDLE_VALUE) {
-        log_line(TEXT("file open failed\r\n"));
+        log_failure(TEXT("file open failed\r\n"));
         return 0;
     }
     const InfFields fields = {driverName, driver_size, manuName, manu_size,
@@ -203,7 +203,7 @@ int find_driver_inf(char* driverName, int driver_size, char* manuName, int manu_
     WIN32_FIND_DATAW entry = {};
     const HANDLE handle = usable ? FindFirstFileW(search.pattern, &entry) : INVALID_HANDLE_VALUE;
     if (handle == INVALID_HANDLE_VALUE) {
-        log_line(TEXT("FindFirstFile error!\r\n"));
+        log_failure(TEXT("FindFirstFile error!\r\n"));
         return 0;
     }
     const InfFields fields = {driverName, driver_size, manuName, manu_size,

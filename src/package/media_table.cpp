@@ -32,7 +32,7 @@ void add_rows(HANDLE printer, const char* place) {
         log_line(TEXT("Add %S %S %S %d\r\n"), row.name, row.width, row.length, row.units);
         row.number = number++;
         if (add_label_size(printer, &row) != 0)
-            log_line(TEXT("Error adding label to registry!"));
+            log_failure(TEXT("Error adding label to registry!"));
     }
 }
 
@@ -50,12 +50,12 @@ void load_media_table(HANDLE printer) {
         return;
     const HANDLE file = open_below_current_folder(TEXT("\\wrenchbay\\media.inf"), path_capacity);
     if (file == INVALID_HANDLE_VALUE) {
-        log_line(TEXT("failed to open media.inf\r\n"));
+        log_failure(TEXT("failed to open media.inf\r\n"));
         return;
     }
     Chunk text;
     if (read_chunk(file, text) == 0) {
-        log_line(TEXT("media.inf empty\r\n"));
+        log_failure(TEXT("media.inf empty\r\n"));
     } else {
         const char* place = find_ansi(text, "[Media]");
         if (place != nullptr)

@@ -35,7 +35,7 @@ int read_found_file(const WCHAR* file_name, MonitorInfo* info) {
     copy_text(info->file, std::size(info->file), file_name);
     const HANDLE file = usable ? open_package_file(path) : INVALID_HANDLE_VALUE;
     if (file == INVALID_HANDLE_VALUE) {
-        log_line(TEXT("file open failed\r\n"));
+        log_failure(TEXT("file open failed\r\n"));
         return 0;
     }
     Chunk text;
@@ -60,7 +60,7 @@ int read_monitor_inf(MonitorInfo* info, int use_monitor_folder) {
     WIN32_FIND_DATAW entry = {};
     const HANDLE search = usable ? FindFirstFileW(pattern, &entry) : INVALID_HANDLE_VALUE;
     if (search == INVALID_HANDLE_VALUE) {
-        log_line(TEXT("FindFirstFile error!\r\n"));
+        log_failure(TEXT("FindFirstFile error!\r\n"));
         return 0;
     }
     const int opened = read_found_file(entry.cFileName, info);
@@ -84,7 +84,7 @@ void scan_monitor_info(const char* text, MonitorInfo* info) {
 int read_port_number(const WCHAR* path, int* port) {
     const HANDLE file = open_package_file(path);
     if (file == INVALID_HANDLE_VALUE) {
-        log_line(TEXT("file open failed\r\n"));
+        log_failure(TEXT("file open failed\r\n"));
         return 0;
     }
     Chunk chunk;

@@ -139,13 +139,13 @@ void apply_language(int language) {
         return;
     const HMODULE kernel = GetModuleHandleW(TEXT("Kernel32.dll"));
     if (kernel == nullptr) {
-        log_line(TEXT("error loading Kernel32.dll"));
+        log_failure(TEXT("error loading Kernel32.dll"));
         return;
     }
     const SetLanguage set_language =
         reinterpret_cast<SetLanguage>(GetProcAddress(kernel, "SetThreadUILanguage"));
     if (set_language == nullptr) {
-        log_line(TEXT("error getting SetThreadUILanguage"));
+        log_failure(TEXT("error getting SetThreadUILanguage"));
         return;
     }
     const LanguageRow& chosen = languages[language];

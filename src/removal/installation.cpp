@@ -9,6 +9,8 @@
 #include "support/system_text.h"
 #include "support/text.h"
 
+#include <failed_step.h>
+
 #include <iterator>
 
 namespace {
@@ -105,7 +107,7 @@ int remove_installation(const WCHAR* install_folder, const WCHAR* folder_name, c
     WCHAR model[256];
     if (!take_folder(folder, install_folder) || !is_plain_name(folder_name) ||
         !widen(model, std::size(model), model_name) || !is_plain_name(model)) {
-        log_line(TEXT("nothing to remove\r\n"));
+        log_failure(TEXT("nothing to remove\r\n"));
         return 0;
     }
     MenuGroups groups;
@@ -137,6 +139,8 @@ int delete_folder_tree(const WCHAR* path) {
     operation.fFlags = FOF_SILENT | FOF_NOCONFIRMATION | FOF_NOERRORUI;
     operation.lpszProgressTitle = TEXT("");
     const int result = SHFileOperationW(&operation);
+    if (result != 0 && result != ERROR_FILE_NOT_FOUND && result != ERROR_PATH_NOT_FOUND)
+        step_failed(path);
     release_bytes(list);
     return result;
 }
@@ -149,7 +153,7 @@ int find_package_inf(const WCHAR* install_folder, char* inf_name) {
     HANDLE search = fits ? FindFirstFileW(pattern, &found) : INVALID_HANDLE_VALUE;
     if (search == INVALID_HANDLE_VALUE) {
         const DWORD error = fits ? GetLastError() : ERROR_FILENAME_EXCED_RANGE;
-        log_line_within(search_line_capacity, TEXT("FindFirstFile error %d\r\n"), error);
+        log_failure_within(search_line_capacity, TEXT("FindFirstFile error %d\r\n"), error);
         return 0;
     }
     FindClose(search);
@@ -166,7 +170,7 @@ int get_store_inf_name(const char* inf_name, WCHAR* inf_path) {
     WIN32_FIND_DATAW found;
     HANDLE search = FindFirstFileW(pattern, &found);
     if (search == INVALID_HANDLE_VALUE) {
-        log_line(TEXT("FindFile error!\r\n"));
+        log_failure(TEXT("FindFile error!\r\n"));
         return 0;
     }
     const int matches = match_store_folder(search, &found, inf_name, inf_path);
@@ -181,9 +185,9 @@ int remove_driver_package(const WCHAR* inf_path) {
         return 1;
     WCHAR* text = system_text(static_cast<DWORD>(result));
     if (text != nullptr)
-        log_line_within(search_line_capacity, TEXT("error %s\r\n"), text);
+        log_failure_within(search_line_capacity, TEXT("error %s\r\n"), text);
     else
-        log_line_within(search_line_capacity, TEXT("error %x\r\n"), result);
+        log_failure_within(search_line_capacity, TEXT("error %x\r\n"), result);
     LocalFree(text);
     return 0;
 }

@@ -94,7 +94,7 @@ void list_queue(const PRINTER_INFO_2W* queue, HWND dialog, int control, DWORD* c
 
 int delete_opened_queue(HANDLE printer, const WCHAR* name) {
     if (!DeletePrinter(printer)) {
-        log_line(TEXT("Could not delete %s %x\r\n"), name, GetLastError());
+        log_failure(TEXT("Could not delete %s %x\r\n"), name, GetLastError());
         return 0;
     }
     log_line(TEXT("Deleted %s\r\n"), name);
@@ -108,7 +108,7 @@ int delete_queue(const WCHAR* queue_name) {
     access.DesiredAccess = PRINTER_ALL_ACCESS;
     HANDLE printer = nullptr;
     if (!OpenPrinterW(name, &printer, &access)) {
-        log_line(TEXT("failed to open printer %s %x\r\n"), name, GetLastError());
+        log_failure(TEXT("failed to open printer %s %x\r\n"), name, GetLastError());
         return 0;
     }
     const int deleted = delete_opened_queue(printer, name);
@@ -134,7 +134,7 @@ void delete_port_of(const WCHAR* port_name) {
     }
     log_line(TEXT("Delete port %s\r\n"), port_name);
     if (!delete_network_port(port_name))
-        log_line(TEXT("Could not delete port %s %x\r\n"), port_name, GetLastError());
+        log_failure(TEXT("Could not delete port %s %x\r\n"), port_name, GetLastError());
 }
 
 // The underscores go while the text is 16 bits wide: in 8-bit text they may be half of another character.

@@ -3,6 +3,8 @@
 #include "support/install_log.h"
 #include "support/text.h"
 
+#include <failed_step.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
@@ -25,6 +27,11 @@ void print_line(const char* format, DWORD number) {
     std::fputs(line, stdout);
 }
 
+void print_failure(const char* format, DWORD number) {
+    print_line(format, number);
+    step_failed(TEXT("service control"));
+}
+
 int query_status(SC_HANDLE service, SERVICE_STATUS_PROCESS* status) {
     DWORD needed = 0;
     return QueryServiceStatusEx(service, SC_STATUS_PROCESS_INFO, reinterpret_cast<BYTE*>(status),
@@ -35,7 +42,7 @@ int query_status(SC_HANDLE service, SERVICE_STATUS_PROCESS* status) {
 int query_or_print(SC_HANDLE service, SERVICE_STATUS_PROCESS* status) {
     if (query_status(service, status))
         return 1;
-    print_line("QueryServiceStatusEx failed (%d)\n", GetLastError());
+    print_failure("QueryServiceStatusEx failed (%d)\n", GetLastError());
     return 0;
 }
 
@@ -65,7 +72,7 @@ int wait_out_stop_pending(SC_HANDLE service, SERVICE_STATUS_PROCESS* status, DWO
             return 0;
         }
         if (limit_exceeded(start)) {
-            print_line("Service stop timed out.\n", 0);
+            print_failure("Service stop timed out.\n", 0);
             return 0;
         }
     }
@@ -80,7 +87,7 @@ void wait_until_stopped(SC_HANDLE service, SERVICE_STATUS_PROCESS* status, DWORD
         if (status->dwCurrentState == SERVICE_STOPPED)
             break;
         if (limit_exceeded(start)) {
-            print_line("Wait timed out\n", 0);
+            print_failure("Wait timed out\n", 0);
             return;
         }
     }
@@ -90,7 +97,7 @@ void wait_until_stopped(SC_HANDLE service, SERVICE_STATUS_PROCESS* status, DWORD
 void stop_service(SC_HANDLE service, SC_HANDLE manager, DWORD start) {
     SERVICE_STATUS_PROCESS status = {};
     if (!query_status(service, &status)) {
-        log_line(TEXT("QueryServiceStatusEx failed (%d)\n"), GetLastError());
+        log_failure(TEXT("QueryServiceStatusEx failed (%d)\n"), GetLastError());
         return;
     }
     if (status.dwCurrentState == SERVICE_STOPPED) {
@@ -101,7 +108,7 @@ void stop_service(SC_HANDLE service, SC_HANDLE manager, DWORD start) {
         return;
     StopDependentServices(service, manager);
     if (!send_stop(service, &status)) {
-        print_line("ControlService failed (%d)\n", GetLastError());
+        print_failure("ControlService failed (%d)\n", GetLastError());
         return;
     }
     wait_until_stopped(service, &status, start);
@@ -111,7 +118,7 @@ void stop_in_manager(SC_HANDLE manager, const WCHAR* name, DWORD start) {
     SC_HANDLE service =
         OpenServiceW(manager, name, SERVICE_STOP | SERVICE_QUERY_STATUS | SERVICE_ENUMERATE_DEPENDENTS);
     if (service == nullptr) {
-        log_line(TEXT("OpenService failed (%d)\n"), GetLastError());
+        log_failure(TEXT("OpenService failed (%d)\n"), GetLastError());
         return;
     }
     stop_service(service, manager, start);
@@ -174,7 +181,7 @@ int wait_for_stop(SC_HANDLE service, SERVICE_STATUS_PROCESS* status) {
         if (!query_or_print(service, status))
             return 0;
         if (status->dwCurrentState == SERVICE_STOP_PENDING && !still_progressing(&progress, status)) {
-            print_line("Timeout waiting for service to stop\n", 0);
+            print_failure("Timeout waiting for service to stop\n", 0);
             return 0;
         }
     }
@@ -195,7 +202,7 @@ void print_start_outcome(const SERVICE_STATUS_PROCESS* status) {
         print_line("Service started successfully.\n", 0);
         return;
     }
-    print_line("Service not started. \n", 0);
+    print_failure("Service not started. \n", 0);
     print_line("  Current State: %d\n", status->dwCurrentState);
     print_line("  Exit Code: %d\n", status->dwWin32ExitCode);
     print_line("  Check Point: %d\n", status->dwCheckPoint);
@@ -213,7 +220,7 @@ void start_service(SC_HANDLE service) {
     if (!wait_for_stop(service, &status))
         return;
     if (!StartServiceW(service, 0, nullptr)) {
-        print_line("StartService failed (%d)\n", GetLastError());
+        print_failure("StartService failed (%d)\n", GetLastError());
         return;
     }
     print_line("Service start pending...\n", 0);
@@ -226,7 +233,7 @@ void start_service(SC_HANDLE service) {
 void start_in_manager(SC_HANDLE manager, const WCHAR* name) {
     SC_HANDLE service = OpenServiceW(manager, name, SERVICE_ALL_ACCESS);
     if (service == nullptr) {
-        print_line("OpenService failed (%d)\n", GetLastError());
+        print_failure("OpenService failed (%d)\n", GetLastError());
         return;
     }
     start_service(service);
@@ -240,7 +247,7 @@ void DoStopSvc(const WCHAR* name) {
     log_line(TEXT("DoStopSvc [%s]\r\n"), name);
     SC_HANDLE manager = OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
     if (manager == nullptr) {
-        log_line(TEXT("OpenSCManager failed (%d)\n"), GetLastError());
+        log_failure(TEXT("OpenSCManager failed (%d)\n"), GetLastError());
         return;
     }
     stop_in_manager(manager, name, start);
@@ -251,7 +258,7 @@ void DoStartSvc(const WCHAR* name) {
     log_line(TEXT("DoStartSvc [%s]\r\n"), name);
     SC_HANDLE manager = OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
     if (manager == nullptr) {
-        print_line("OpenSCManager failed (%d)\n", GetLastError());
+        print_failure("OpenSCManager failed (%d)\n", GetLastError());
         return;
     }
     start_in_manager(manager, name);

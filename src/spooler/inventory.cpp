@@ -5,6 +5,8 @@
 #include "support/install_log.h"
 #include "support/text.h"
 
+#include <failed_step.h>
+
 namespace {
 
 constexpr size_t line_capacity = 256;
@@ -24,10 +26,14 @@ void* enumerate(EnumerateCall call, DWORD level, size_t record_size, const WCHAR
         log_line(opening_line, result, size);
     *count = 0; // it may have been set although nothing was delivered
     void* records = size != 0 ? allocate_bytes(size) : nullptr;
-    if (records == nullptr)
+    if (records == nullptr) {
+        if (size != 0 || !result) // an empty list has no size either
+            step_failed(TEXT("asking the spooler for a list"));
         return nullptr;
+    }
     DWORD needed = 0;
-    call(level, static_cast<BYTE*>(records), size, &needed, count);
+    if (!call(level, static_cast<BYTE*>(records), size, &needed, count))
+        step_failed(TEXT("asking the spooler for a list"));
     if (*count > size / record_size)
         *count = static_cast<DWORD>(size / record_size);
     return records;

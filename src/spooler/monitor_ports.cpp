@@ -8,6 +8,8 @@
 #include "support/platform_gaps.h"
 #include "support/text.h"
 
+#include <failed_step.h>
+
 #include <algorithm>
 #include <cstring>
 #include <iterator>
@@ -89,7 +91,7 @@ HANDLE open_monitor(const WCHAR* monitor_name, const WCHAR* port_name) {
     HANDLE monitor = nullptr;
     if (fits && OpenPrinterW(name, &monitor, &access))
         return monitor;
-    log_line(TEXT("failed to open printer for port %s\r\n"), port_name);
+    log_failure(TEXT("failed to open printer for port %s\r\n"), port_name);
     return nullptr;
 }
 
@@ -106,6 +108,8 @@ void request_port(const Exchange* exchange, PORT_DATA_1* request) {
                                  sizeof *request, nullptr, 0, &needed, &status);
     log_line(TEXT("XcvData AddPort %d %d %x %x [%ls]\r\n"), result, needed, status, GetLastError(),
              request->sztPortName);
+    if (!result || (status != ERROR_SUCCESS && status != ERROR_ALREADY_EXISTS))
+        line_failed();
 }
 
 void fetch_configuration(const Exchange* exchange, PORT_DATA_1* request) {
@@ -118,6 +122,8 @@ void fetch_configuration(const Exchange* exchange, PORT_DATA_1* request) {
                  name_bytes, exchange->block, exchange->block_size, &needed, &status);
     log_line(TEXT("XcvData GetConfig %d %d %x %x (%d) [%ls]\r\n"), result, needed, status, GetLastError(),
              exchange->block_size, request->sztPortName);
+    if (!result || status != ERROR_SUCCESS)
+        line_failed();
     WCHAR text[text_characters + 1] = {};
     std::memcpy(text, exchange->block + text_offset, text_characters * sizeof(WCHAR));
     log_line(TEXT("portConfig %d %d [%ls]\r\n"), get_number(exchange->block), get_number(exchange->block + 4),
@@ -139,6 +145,8 @@ void send_configuration(const Exchange* exchange) {
                                  nullptr, 0, &needed, &status);
     log_line(TEXT("XcvData SetConfig %d %d %x %x (%d)\r\n"), result, needed, status, GetLastError(),
              exchange->block_size);
+    if (!result || status != ERROR_SUCCESS)
+        line_failed();
 }
 
 } // namespace
@@ -147,7 +155,7 @@ int install_monitor(const MonitorInfo* info) {
     log_line(TEXT("Installing Monitor\r\n"));
     if (add_monitor(info->name, info->DLL32))
         return 1;
-    log_line(TEXT("Failed to install Montior!\r\n"));
+    log_failure(TEXT("Failed to install Montior!\r\n"));
     return 0;
 }
 

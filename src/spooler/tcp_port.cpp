@@ -7,6 +7,8 @@
 #include "support/platform_gaps.h"
 #include "support/text.h"
 
+#include <failed_step.h>
+
 #include <iterator>
 
 namespace {
@@ -43,6 +45,9 @@ void send_port(HANDLE monitor, PORT_DATA_1* port) {
                                  nullptr, 0, &needed, &status);
     log_line(TEXT("XcvData AddPort %d %d %x %x [%ls]\r\n"), result, needed, status, GetLastError(),
              port->sztPortName);
+    // A port that is there from an earlier install serves as it is.
+    if (!result || (status != ERROR_SUCCESS && status != ERROR_ALREADY_EXISTS))
+        line_failed();
 }
 
 int send_deletion(HANDLE monitor, DELETE_PORT_DATA_1* port, DWORD* error) {
@@ -53,7 +58,7 @@ int send_deletion(HANDLE monitor, DELETE_PORT_DATA_1* port, DWORD* error) {
                  &needed, &status))
         return 1;
     *error = GetLastError();
-    log_line(TEXT("Error in XcvData. %x %x\r\n"), *error, status);
+    log_failure(TEXT("Error in XcvData. %x %x\r\n"), *error, status);
     return 0;
 }
 
@@ -65,7 +70,7 @@ int add_tcp_port(const WCHAR* port_name, const char* address) {
     const int fits = fill_port(&port, port_name, address);
     HANDLE monitor = fits ? open_monitor() : nullptr;
     if (monitor == nullptr) {
-        log_line(TEXT("failed to open printer for port %s\r\n"), port_name);
+        log_failure(TEXT("failed to open printer for port %s\r\n"), port_name);
         return 0;
     }
     log_line(TEXT("sztPortName [%ls]\r\n"), port.sztPortName);
@@ -84,7 +89,7 @@ int delete_tcp_port(const char* port_name) {
         SetLastError(ERROR_BUFFER_OVERFLOW);
     if (monitor == nullptr) {
         const DWORD error = GetLastError();
-        log_line(TEXT("failed to open printer for delete port %S %x\r\n"), port_name, error);
+        log_failure(TEXT("failed to open printer for delete port %S %x\r\n"), port_name, error);
         SetLastError(error);
         return 0;
     }

@@ -197,7 +197,7 @@ void control_get_ansi(HWND dialog, int control, char* out, int size) {
 void set_control_string(HINSTANCE module, HWND dialog, UINT string_id, int control) {
     LoadedString string;
     if (load_string(module, string_id, 0, &string) < 1)
-        log_line(TEXT("LoadString fail %d\r\n"), string_id);
+        log_failure(TEXT("LoadString fail %d\r\n"), string_id);
     else
         SetDlgItemTextW(dialog, control, string.text);
 }

@@ -3,6 +3,8 @@
 #include "state/app_state.h"
 #include "support/text.h"
 
+#include <failed_step.h>
+
 #include <iterator>
 
 namespace {
@@ -128,7 +130,9 @@ void write_chunk(HANDLE handle, const WCHAR* text, size_t length) {
     if (count <= 0)
         return;
     DWORD written = 0;
-    WriteFile(handle, bytes, static_cast<DWORD>(count), &written, nullptr);
+    if (!WriteFile(handle, bytes, static_cast<DWORD>(count), &written, nullptr) ||
+        written != static_cast<DWORD>(count))
+        step_failed(TEXT("writing the log"));
 }
 
 void write_text(HANDLE handle, const WCHAR* text) {
@@ -139,7 +143,8 @@ void write_text(HANDLE handle, const WCHAR* text) {
         text += length;
         remaining -= length;
     }
-    FlushFileBuffers(handle);
+    if (!FlushFileBuffers(handle))
+        step_failed(TEXT("writing the log"));
 }
 
 // Puts the format's closing CR LF or LF back behind a text that was cut.
@@ -164,6 +169,7 @@ void log_line_list(size_t capacity, const WCHAR* format, va_list arguments) {
         capacity = std::size(line);
     if (!format_text_list(line, capacity, format, arguments))
         restore_line_end(line, capacity, format);
+    line_logged(line);
     log_write(app.log_handle, line);
 }
 

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <failed_step.h>
+
 #include <cstddef>
 
 // Room of a composed log line, in characters with the terminator.
@@ -30,3 +32,17 @@ void log_write(HANDLE handle, const WCHAR* text);
 // (log_line_capacity, or the one given) is cut and keeps the line end that the format closes with.
 void log_line(const WCHAR* format, ...);
 void log_line_within(size_t capacity, const WCHAR* format, ...);
+
+// The same for a line that tells of a failed step. A rehearsal hears of it; the log's bytes are no others. A
+// procedure can't hand on what it got for "...", so these are inlined, which on Windows leaves the line's
+// call.
+template<class... Values>
+inline void log_failure(const WCHAR* format, Values... values) {
+    log_line(format, values...);
+    line_failed();
+}
+template<class... Values>
+inline void log_failure_within(size_t capacity, const WCHAR* format, Values... values) {
+    log_line_within(capacity, format, values...);
+    line_failed();
+}

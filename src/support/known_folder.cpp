@@ -9,7 +9,7 @@ WCHAR* find_known_folder(const GUID& id, const WCHAR* name) {
     const HRESULT result = SHGetKnownFolderPath(id, 0, nullptr, &path);
     if (result >= 0 && path != nullptr)
         return path;
-    log_line(TEXT("Get %s failed %d\r\n"), name, result);
+    log_failure(TEXT("Get %s failed %d\r\n"), name, result);
     CoTaskMemFree(path);
     return nullptr;
 }

@@ -1,3 +1,4 @@
+#include "calls/run/failed_steps.h"
 #include "harness/test_session.h"
 #include "support/install_log.h"
 
@@ -244,4 +245,30 @@ TEST(InstallLog, KeepsTheLineEndOfACutLine) {
     log_line_within(10, u"%s\r\n", u"12345678");
     log_line(u"%s\r\n", filler.substr(0, 1021).c_str());
     EXPECT_EQ(session.log(), "1234567\r\n1234567\r\n" + std::string(1021, 'x') + "\r\n");
+}
+
+TEST(InstallLog, TellsWhichStepsFailed) {
+    TestSession test;
+    test.start();
+    log_line(u"AddPrinter %d\r\n", 1797); // a line like any other: how it is spelt tells nothing
+    log_failure(u"AddPrinter %d\r\n", 5);
+    log_failure(u"AddPrinter %d\r\n", 5);
+    log_failure_within(9, u"a long line\r\n");
+    EXPECT_EQ(test.log(), "AddPrinter 1797\r\nAddPrinter 5\r\nAddPrinter 5\r\na long\r\n");
+    const std::vector<platform::FailedStep> expected = {{u"AddPrinter 5", true}, {u"a long", true}};
+    EXPECT_EQ(platform::failed_steps(), expected);
+}
+
+TEST(InstallLog, TellsThatItCouldNotBeWritten) {
+    TestSession test;
+    test.machine.faults = {{"WriteFile", 2, false, 112, {}}};
+    test.start();
+    log_line(u"first\r\n");
+    log_line(u"second\r\n");
+    const std::vector<platform::FailedStep> expected = {{u"writing the log", false}};
+    EXPECT_EQ(platform::failed_steps(), expected);
+    // Without a log a failed step is heard all the same.
+    app.log_handle = INVALID_HANDLE_VALUE;
+    log_failure(u"third\r\n");
+    EXPECT_EQ(platform::failed_steps().back().text, u"third");
 }

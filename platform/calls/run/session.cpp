@@ -42,6 +42,10 @@ void set_last_error(std::uint32_t code) {
     thread_last_error = code;
 }
 
+bool in_session() {
+    return current != nullptr;
+}
+
 std::uint32_t last_error() {
     return thread_last_error;
 }

@@ -61,6 +61,7 @@ private:
 
 // The current session; a call outside any session ends the process with a message.
 Session& session();
+bool in_session();
 
 // The calling thread's last error, as GetLastError gives it.
 void set_last_error(std::uint32_t code);
