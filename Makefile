@@ -1,7 +1,7 @@
 # Two commands do everything on a fresh Debian 12: `make run` and `make test`. CMake presets stand behind them.
 JOBS ?= $(shell nproc)
 
-.PHONY: help run test wine wine32 screenshots windows linux install package try-package sign packages pictures format clean
+.PHONY: help run test wine wine32 screenshots windows linux install package try-package sign packages pictures catalogue format clean
 .DEFAULT_GOAL := help
 
 help:
@@ -18,6 +18,7 @@ help:
 	@echo "make sign CERT=FILE KEY=FILE  sign the Windows programs, into dist/signed/"
 	@echo "make format   bring the sources into the project's layout"
 	@echo "make pictures draw the icon and the banner again"
+	@echo "make catalogue sign the sample's driver package again, after a change to its files"
 	@echo "make packages install what the build needs from Debian's packages"
 	@echo "make clean    remove build/ and dist/"
 
@@ -92,6 +93,12 @@ pictures:
 	@mkdir -p build
 	@$(CXX) -std=c++20 -O1 tools/draw_pictures.cpp -o build/draw_pictures
 	@build/draw_pictures src/resources
+
+# With a certificate made on the spot, so that each run gives another catalogue.
+catalogue: packages
+	@cmake --preset linux >/dev/null
+	@cmake --build --preset linux --target make_catalogue
+	@build/linux/tools/make_catalogue samples/medium/Drivers lbl.cat
 
 format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i

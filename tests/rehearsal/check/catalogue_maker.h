@@ -1,0 +1,30 @@
+// Catalogues for tests, signed by certificates that are made once for the whole test program.
+#pragma once
+
+#include "catalogue_writer.h"
+
+#include <string>
+#include <vector>
+
+namespace tests {
+
+constexpr std::int64_t day = 86400;
+constexpr std::int64_t signed_at = 1722074400; // 27 July 2024, 10:00 UTC
+
+struct SigningIdentities {
+    catalogue::Identity root;
+    catalogue::Identity signer;  // valid from 2024 to 2049
+    catalogue::Identity expired; // in 2024 alone
+    catalogue::Identity stamper;
+};
+
+const SigningIdentities& signing_identities();
+
+// Signed by `signer` with its root beside it, and with a time stamp of RFC 3161.
+catalogue::SignOptions usual_signing();
+
+std::string make_catalogue(const std::vector<catalogue::ListedFile>& files,
+                           const catalogue::SignOptions& signing = usual_signing(),
+                           catalogue::ListOptions list = {});
+
+} // namespace tests
