@@ -1,7 +1,7 @@
 # Two commands do everything on a fresh Debian 12: `make run` and `make test`. CMake presets stand behind them.
 JOBS ?= $(shell nproc)
 
-.PHONY: help run test wine wine32 screenshots windows linux install package try-package sign packages pictures catalogue format clean
+.PHONY: help run test wine wine32 screenshots times windows linux install package try-package sign packages pictures catalogue format clean
 .DEFAULT_GOAL := help
 
 help:
@@ -10,6 +10,7 @@ help:
 	@echo "make wine     run the real 64-bit program under Wine and hold it against the rehearsal"
 	@echo "make wine32   the same for the 32-bit program, in an i386 root of 2 GB made with debootstrap"
 	@echo "make screenshots  photograph every dialog in every language under Wine, into docs/pictures/"
+	@echo "make times    where the time of the last builds, tests and runs went"
 	@echo "make windows  the two Windows programs and the library, stripped, in dist/"
 	@echo "make linux    the rehearsal tool alone, in build/linux"
 	@echo "make install  trk with manual pages, samples and docs, below PREFIX (/usr/local)"
@@ -29,7 +30,10 @@ linux: packages
 	@cmake/build.sh $(JOBS) linux
 
 run: linux
-	@rehearsal/run.sh
+	@cmake/timed.sh run rehearsal/run.sh
+
+times:
+	@cmake/times.sh
 
 windows: packages
 	@cmake/build.sh $(JOBS) windows-i686 windows-x86_64
@@ -40,7 +44,7 @@ windows: packages
 test: windows
 	@cmake/build.sh $(JOBS) test
 	@cmake/test_share.sh
-	@ctest --preset test --parallel $(JOBS) --output-on-failure
+	@cmake/timed.sh tests ctest --preset test --parallel $(JOBS) --output-on-failure
 
 # SCENARIOS names the wanted ones of acceptance/scenarios; without it all run. REHEARSAL=test rehearses with what
 # `make test` has built, sanitizers and all, and saves a build.
@@ -50,7 +54,7 @@ wine: packages
 	@cmake/build.sh $(JOBS) $(REHEARSAL) windows-x86_64
 	@cmake --build --preset $(REHEARSAL) --parallel $(JOBS) --target trk_acceptance
 	@cmake --build --preset windows-x86_64 --parallel $(JOBS) --target trk_acceptance
-	@TRK_LINUX_BUILD=build/$(REHEARSAL) acceptance/run_wine.sh $(SCENARIOS)
+	@TRK_LINUX_BUILD=build/$(REHEARSAL) cmake/timed.sh wine acceptance/run_wine.sh $(SCENARIOS)
 
 # SCENARIOS is for the road on which the 32-bit program installs by itself.
 wine32: packages

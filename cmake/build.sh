@@ -12,5 +12,5 @@ for preset in "$@"; do
         cat "$log"
         exit 1
     fi
-    cmake --build --preset "$preset" --parallel "$jobs"
+    cmake/timed.sh "build-$preset" cmake --build --preset "$preset" --parallel "$jobs"
 done
