@@ -18,8 +18,9 @@ for preset in windows-i686 windows-x86_64; do
 done >"$2/again.log" 2>&1 || { cat "$2/again.log"; exit 1; }
 cmake/collect_dist.sh >/dev/null
 
-cd "$source/dist"
+# dist/ may hold more, such as packages.
+cd dist
 find . -type f | sort | while read -r file; do
-    cmp "$file" "$copy/dist/$file"
+    cmp "$file" "$source/dist/$file"
     echo "same bytes: $file"
 done
