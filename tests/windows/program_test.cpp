@@ -287,16 +287,4 @@ TEST(Sizes, ThirtyTwoBitProgramStaysSmall) {
     EXPECT_LT(size, 90000);
 }
 
-// Each object file that has a protected routine names the handler once among its symbols.
-TEST(Library, RoutinesAreProtectedByTheStackGuard) {
-    for (const char* file : {TRK_DIST "/i686/libtrk.a", TRK_DIST "/x86_64/libtrk.a"}) {
-        const pe::Bytes bytes = pe::read_file(file);
-        const std::string text(bytes.begin(), bytes.end());
-        size_t count = 0;
-        for (size_t at = 0; (at = text.find("__stack_chk_fail", at)) != std::string::npos; ++at)
-            ++count;
-        EXPECT_GT(count, 20) << file;
-    }
-}
-
 } // namespace

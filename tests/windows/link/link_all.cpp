@@ -80,7 +80,7 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
          status_set_ansi, status_set_string, status_append, status_append_ansi, status_append_string,
          status_append_stage, list_clear, list_add, list_add_ansi, list_add_string, show_control,
          control_get_text, control_get_ansi, set_control_string, apply_dialog_texts, center_dialog,
-         find_temp_dir, open_log, log_write, log_line, log_line_within, find_known_folder,
+         find_temp_dir, open_log, close_log, log_write, log_line, log_line_within, find_known_folder,
          limit_library_search, read_registry_text, read_registry_number, system_text, format_text,
          format_text_list, format_ansi, scan_numbers, scan_number, text_length, ansi_length, copy_text,
          append_text, copy_ansi, whole_ansi_length, widen, narrow, find_text, find_ansi, starts_with,
