@@ -7,6 +7,11 @@ namespace {
 
 constexpr Subject all_subjects[] = {
     {"layout", rules_of_layout, check_layout},
+    {"media", rules_of_media_table, check_media_table},
+    {"settings", rules_of_settings, check_settings},
+    {"terms", rules_of_terms, check_terms},
+    {"profile-names", rules_of_profile_names, check_profile_names},
+    {"monitor", rules_of_monitor, check_monitor},
 };
 
 } // namespace

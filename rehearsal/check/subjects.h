@@ -22,4 +22,19 @@ const Rule* find_rule(std::string_view id); // null when there is none of that i
 std::span<const Rule> rules_of_layout();
 void check_layout(const Medium& medium, Findings& findings);
 
+std::span<const Rule> rules_of_media_table();
+void check_media_table(const Medium& medium, Findings& findings);
+
+std::span<const Rule> rules_of_settings();
+void check_settings(const Medium& medium, Findings& findings);
+
+std::span<const Rule> rules_of_terms();
+void check_terms(const Medium& medium, Findings& findings);
+
+std::span<const Rule> rules_of_profile_names();
+void check_profile_names(const Medium& medium, Findings& findings);
+
+std::span<const Rule> rules_of_monitor();
+void check_monitor(const Medium& medium, Findings& findings);
+
 } // namespace rehearsal::check

@@ -15,18 +15,15 @@
 
 namespace {
 
-// What is read of an agreement file, its two-byte mark included, in bytes.
-constexpr DWORD longest_text = 32764;
-
 constexpr TextPair terms_dialog_texts[] = {
     {IDS_LICENSE_AGREEMENT, IDC_TERMS_HEADLINE}, {IDS_ACCEPT_TERMS, IDC_ACCEPT}, {0, 0}};
 
 // Puts what the open file holds into the page, without its first two bytes: 1 when the file gave any byte. An
 // odd last byte is half a character and is left out.
 int show_open_file(HWND page, HANDLE file) {
-    WCHAR text[longest_text / sizeof(WCHAR) + 1];
+    WCHAR text[longest_terms / sizeof(WCHAR) + 1];
     DWORD bytes = 0;
-    if (!ReadFile(file, text, longest_text, &bytes, nullptr) || bytes == 0)
+    if (!ReadFile(file, text, longest_terms, &bytes, nullptr) || bytes == 0)
         return 0;
     const DWORD characters = bytes / static_cast<DWORD>(sizeof(WCHAR));
     text[characters] = 0;
