@@ -102,22 +102,24 @@ MSG quit_message() {
     return message;
 }
 
-// The user has left: the layer closes the topmost dialog that can be closed.
+// The user has left: the layer closes the topmost dialog that can be closed. One that stays open when it is
+// told to close, because its Cancel is greyed, isn't that dialog, so the next time the one below has its
+// turn.
 void close_topmost(RunLock& lock, const Call& call) {
     constexpr unsigned most_closings = 50;
     WindowModel& model = window_model();
-    for (auto dialog = model.dialogs.rbegin(); dialog != model.dialogs.rend(); ++dialog) {
-        const Window& window = *model.find(*dialog);
-        if (!model.usable(window))
-            continue;
-        if (++model.closings > most_closings)
-            call.refuse("dialog " + std::to_string(window.id) + " doesn't close");
-        lock.unlock();
-        post_message(window.handle, WM_SYSCOMMAND, SC_CLOSE, 0, true);
-        lock.lock();
-        return;
-    }
-    call.refuse("the program waits for input for ever");
+    std::vector<HWND> usable; // the topmost first
+    for (auto dialog = model.dialogs.rbegin(); dialog != model.dialogs.rend(); ++dialog)
+        if (model.usable(*model.find(*dialog)))
+            usable.push_back(*dialog);
+    if (usable.empty())
+        call.refuse("the program waits for input for ever");
+    const HWND chosen = usable[model.closings % usable.size()];
+    if (++model.closings > most_closings)
+        call.refuse("dialog " + std::to_string(model.find(chosen)->id) + " doesn't close");
+    lock.unlock();
+    post_message(chosen, WM_SYSCOMMAND, SC_CLOSE, 0, true);
+    lock.lock();
 }
 
 // Nothing is left to do but to wait for the user. Called with the lock, which it lets go meanwhile.
