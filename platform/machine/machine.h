@@ -21,6 +21,7 @@ struct Fault {
     bool from_then_on = false;
     std::optional<std::uint32_t> error;
     std::string argument;
+    bool may_miss = false; // a run in which it never strikes is no worse for that
 };
 
 struct SystemVersion {

@@ -15,6 +15,7 @@ void fields(Archive& archive, Fault& fault) {
     archive("from_then_on", fault.from_then_on);
     archive("error", OptionalNumber{fault.error});
     archive("argument", fault.argument);
+    archive("may_miss", fault.may_miss);
 }
 
 template<class Archive>
