@@ -9,14 +9,11 @@
 namespace fs = std::filesystem;
 
 namespace rehearsal {
-namespace {
 
-std::string digest(const fs::path& file) {
+std::string file_digest(const fs::path& file) {
     char hexadecimal[SHA256_DIGEST_STRING_LENGTH] = {};
     return SHA256File(file.c_str(), hexadecimal) == nullptr ? std::string{} : hexadecimal;
 }
-
-} // namespace
 
 DriveFiles list_drive(const fs::path& drive_c) {
     DriveFiles files;
@@ -26,7 +23,7 @@ DriveFiles list_drive(const fs::path& drive_c) {
         if (entry.is_directory())
             files[name] = {0, {}, true};
         else
-            files[name] = {entry.file_size(), digest(entry.path()), false};
+            files[name] = {entry.file_size(), file_digest(entry.path()), false};
     }
     return files;
 }

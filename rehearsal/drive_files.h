@@ -18,6 +18,9 @@ struct DriveFile {
 // Path as the program sees it ("C:\Program Files\...") -> the file.
 using DriveFiles = std::map<std::string, DriveFile>;
 
+// SHA-256 in hexadecimal digits; empty when the file can't be read.
+std::string file_digest(const std::filesystem::path& file);
+
 DriveFiles list_drive(const std::filesystem::path& drive_c);
 
 } // namespace rehearsal

@@ -4,8 +4,8 @@
 namespace rehearsal {
 
 enum ExitStatus {
-    ended_well = 0,   // no failure box, and nothing failed behind a success box
-    ended_badly = 1,  // a failure box, a failure in the log, or a script that couldn't be followed
+    ended_well = 0,   // nothing failed, and the machine has what the user asked for
+    ended_badly = 1,  // something failed or is missing, or a script couldn't be followed to its end
     wrong_usage = 2,  // or an unreadable file
     layer_refused = 3 // the program asked for something that the layer doesn't model
 };

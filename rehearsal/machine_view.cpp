@@ -17,11 +17,6 @@ bool holds(const std::vector<T>& all, const T& one) {
     return std::find(all.begin(), all.end(), one) != all.end();
 }
 
-std::string version_text(std::uint64_t version) {
-    return std::to_string(version >> 48) + "." + std::to_string((version >> 32) & 0xffff) + "." +
-           std::to_string((version >> 16) & 0xffff) + "." + std::to_string(version & 0xffff);
-}
-
 std::string data_text(const platform::PrinterDataValue& value) {
     constexpr std::uint32_t number_type = 4;
     if (value.type == number_type && value.data.size() == 4)
@@ -106,16 +101,25 @@ std::string read_bytes(const std::filesystem::path& file) {
 
 } // namespace
 
+std::string version_text(std::uint64_t version) {
+    return std::to_string(version >> 48) + "." + std::to_string((version >> 32) & 0xffff) + "." +
+           std::to_string((version >> 16) & 0xffff) + "." + std::to_string(version & 0xffff);
+}
+
+platform::LinkFile read_shortcut(const Outcome& outcome, const std::filesystem::path& drive_c,
+                                 const std::string& path) {
+    std::string reason;
+    return platform::read_link(read_bytes(on_linux(drive_c, path)), outcome.after.code_page, reason)
+        .value_or(platform::LinkFile{});
+}
+
 std::map<std::string, platform::LinkFile> read_shortcuts(const Outcome& outcome,
                                                          const std::filesystem::path& drive_c) {
     std::map<std::string, platform::LinkFile> links;
     for (const auto& [path, file] : outcome.files_after) {
         if (!was_made(outcome, path) || !path.ends_with(".lnk"))
             continue;
-        std::string reason;
-        const auto link =
-            platform::read_link(read_bytes(on_linux(drive_c, path)), outcome.after.code_page, reason);
-        links[path] = link.value_or(platform::LinkFile{});
+        links[path] = read_shortcut(outcome, drive_c, path);
     }
     return links;
 }

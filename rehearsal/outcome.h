@@ -11,8 +11,22 @@
 
 namespace rehearsal {
 
+// What the user asked for, as far as the run got to hear it. Texts are UTF-8.
+struct Asked {
+    bool install = false; // the terms were accepted, and the install began
+    bool network = false; // over the network, not by USB
+    bool make_default = false;
+    std::string address;         // of the selected printer
+    std::string model;           // as the program folder is called
+    std::string driver;          // of the medium's INF, as the two below
+    std::uint64_t version = 0;   // as DRIVER_INFO_6 has it
+    std::string inf_file;        // its name alone
+    std::size_t label_sizes = 0; // good rows of the medium's table
+};
+
 struct Outcome {
     int exit_code = 0;
+    Asked asked;
     std::string refusal;                       // why the layer stopped the run; empty when it didn't
     std::string problem;                       // why the user's script stopped; empty when it didn't
     std::string log;                           // this run's part, UTF-8
@@ -33,7 +47,8 @@ struct Outcome {
 // What failed, wherever the run then led: the steps of which the program says so, and the failure boxes.
 std::vector<std::string> find_failures(const Outcome& outcome);
 
-// The calls that faults name without ever having struck: the call didn't come, or not so often.
+// The calls that faults name without ever having struck, because the call didn't come or not so often. Those
+// of faults that may miss aren't among them.
 std::vector<std::string> find_idle_faults(const Outcome& outcome);
 
 // Whether the path is new or changed.

@@ -4,6 +4,7 @@
 #include "calls/run/session.h"
 #include "calls/windows/user_input.h"
 #include "machine/text.h"
+#include "rehearsal/asked.h"
 #include "state/app_state.h"
 
 #include <windows.h>
@@ -52,6 +53,7 @@ void enter_program(platform::Session& session, const ProgramRun& run, Outcome& o
 
 void look_at_session(platform::Session& session, Outcome& outcome) {
     outcome.dialogs = platform::dialogs();
+    outcome.asked = what_was_asked(outcome.dialogs, session.machine.code_page);
     for (const platform::FailedStep& step : platform::failed_steps())
         outcome.failed_steps.push_back((step.logged ? "log: " : "failed: ") + platform::to_utf8(step.text));
     outcome.warnings = platform::announced_warnings();
@@ -70,11 +72,15 @@ fs::path drive_of(const fs::path& machine_file) {
     return fs::path(machine_file).concat(".drive-c");
 }
 
+std::vector<std::u16string> first_folders(const platform::Machine& machine) {
+    return {machine.folders.windows + u"\\Temp",
+            machine.folders.windows + u"\\System32\\DriverStore\\FileRepository",
+            machine.folders.program_files, machine.folders.common_programs};
+}
+
 void prepare_drive(const platform::Machine& machine, const fs::path& drive_c) {
-    make_folder(drive_c, machine.folders.windows + u"\\Temp");
-    make_folder(drive_c, machine.folders.windows + u"\\System32\\DriverStore\\FileRepository");
-    make_folder(drive_c, machine.folders.program_files);
-    make_folder(drive_c, machine.folders.common_programs);
+    for (const std::u16string& folder : first_folders(machine))
+        make_folder(drive_c, folder);
 }
 
 Outcome run_program(const ProgramRun& run, platform::Machine& machine, platform::User& user,

@@ -10,11 +10,15 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace rehearsal {
 
 // The folder that is drive C for a machine file, when nothing else is said.
 std::filesystem::path drive_of(const std::filesystem::path& machine_file);
+
+// The folders that the machine has from the start, as the program sees them.
+std::vector<std::u16string> first_folders(const platform::Machine& machine);
 
 // Makes the folders on the drive that the machine has from the start.
 void prepare_drive(const platform::Machine& machine, const std::filesystem::path& drive_c);

@@ -2,9 +2,12 @@
 
 #include "machine/machine_json.h"
 #include "rehearsal/exit_status.h"
+#include "rehearsal/fault_names.h"
+#include "rehearsal/judge.h"
 #include "rehearsal/machine_view.h"
 #include "rehearsal/program_run.h"
 #include "rehearsal/report.h"
+#include "rehearsal/shown_text.h"
 #include "rehearsal/users.h"
 
 #include <fstream>
@@ -47,7 +50,7 @@ fs::path choose_drive_c(const RehearseOptions& options, std::unique_ptr<Temporar
 
 std::unique_ptr<ViewedUser> choose_user(const RehearseOptions& options, TerminalView& view) {
     if (!options.script.empty())
-        return std::make_unique<ScriptUser>(view, read_script(options.script));
+        return std::make_unique<ScriptUser>(view, read_script(options.script), options.script.string());
     if (isatty(STDIN_FILENO))
         return std::make_unique<Person>(view, std::cin, std::cout);
     return std::make_unique<ScriptUser>(view, std::vector<Action>{});
@@ -63,35 +66,10 @@ Outcome run(const RehearseOptions& options, platform::Machine& machine, const fs
     program.real_time = true;
     program.finished = [&view] { view.look(); };
     Outcome outcome = run_program(program, machine, *user, view.log);
-    outcome.problem = user->problem;
     outcome.boxes = user->boxes;
+    user->finish(outcome);
+    outcome.problem = user->problem;
     return outcome;
-}
-
-// Tells on standard error what went wrong, and turns it into the exit status.
-int judge(const RehearseOptions& options, const Outcome& outcome) {
-    if (!outcome.refusal.empty()) {
-        std::cerr << "trk: the run was stopped: " << outcome.refusal << "\n";
-        return layer_refused;
-    }
-    for (const std::string& call : find_idle_faults(outcome))
-        std::cerr << "trk: note: the fault of " << call << " never struck\n";
-    int status = ended_well;
-    const auto complain = [&](const std::string& what) {
-        std::cerr << "trk: " << what << "\n";
-        status = ended_badly;
-    };
-    if (!outcome.problem.empty())
-        complain(options.script.string() + ": " + outcome.problem);
-    for (const std::string& failure : find_failures(outcome))
-        complain(failure);
-    for (const std::string& misuse : outcome.misuses)
-        complain("forbidden by the platform: " + misuse);
-    for (const std::string& leak : outcome.leaks)
-        complain("left open: " + leak);
-    if (outcome.exit_code != 0)
-        complain("the program's exit code is " + std::to_string(outcome.exit_code));
-    return status;
 }
 
 void write_report(const RehearseOptions& options, const std::string& text) {
@@ -107,6 +85,7 @@ void write_report(const RehearseOptions& options, const std::string& text) {
 int rehearse_on(const RehearseOptions& options) {
     platform::Machine machine = options.machine_file.empty() ? platform::default_machine()
                                                              : platform::load_machine(options.machine_file);
+    check_fault_names(machine, options.machine_file);
     std::unique_ptr<TemporaryFolder> temporary;
     const fs::path drive_c = choose_drive_c(options, temporary);
     const Outcome outcome = run(options, machine, drive_c);
@@ -114,11 +93,11 @@ int rehearse_on(const RehearseOptions& options) {
         platform::save_machine(machine, options.machine_file);
     if (!options.quiet)
         print_machine(std::cout, outcome, drive_c);
-    std::cout << std::flush;
-    const int status = judge(options, outcome);
+    const Verdict verdict = judge_install(outcome, options.medium, drive_c);
+    tell_verdict(verdict, std::cout);
     if (!options.report.empty())
-        write_report(options, report_text(outcome, status, drive_c));
-    return status;
+        write_report(options, report_text(outcome, verdict, drive_c));
+    return verdict.status;
 }
 
 } // namespace

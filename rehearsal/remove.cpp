@@ -4,70 +4,90 @@
 #include "machine/text.h"
 #include "rehearsal/difference.h"
 #include "rehearsal/exit_status.h"
+#include "rehearsal/fault_names.h"
+#include "rehearsal/judge.h"
 #include "rehearsal/program_run.h"
 #include "rehearsal/remover.h"
+#include "rehearsal/shown_text.h"
 #include "rehearsal/users.h"
 
+#include <algorithm>
 #include <iostream>
+#include <optional>
 
 namespace fs = std::filesystem;
 
 namespace rehearsal {
 namespace {
 
+std::filesystem::path on_drive(const fs::path& drive_c, const std::u16string& windows_path) {
+    std::string path = platform::to_utf8(windows_path).substr(3); // behind "C:\"
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return drive_c / path;
+}
+
 // The model to remove: the one asked for, or the only folder of the maker's.
-std::string choose_model(const RemoveOptions& options, const fs::path& drive_c) {
+std::string choose_model(const RemoveOptions& options, const platform::Machine& machine,
+                         const fs::path& drive_c) {
     if (!options.model.empty())
         return options.model;
-    const fs::path maker = drive_c / "Program Files" / "Vorlane";
+    const fs::path maker = on_drive(drive_c, machine.folders.program_files) / "Vorlane";
     std::vector<std::string> models;
     if (fs::is_directory(maker))
         for (const fs::directory_entry& entry : fs::directory_iterator(maker))
             models.push_back(entry.path().filename().string());
     if (models.size() == 1)
         return models.front();
-    throw std::runtime_error(options.machine_file.string() + ": " + std::to_string(models.size()) +
-                             " models are installed; name one with --model");
+    std::sort(models.begin(), models.end());
+    std::string names;
+    for (const std::string& model : models)
+        names += (names.empty() ? ": " : ", ") + ("\"" + shown_text(model) + "\"");
+    throw std::runtime_error(options.machine_file.string() + ": " +
+                             (models.empty() ? "no model is installed"
+                                             : std::to_string(models.size()) + " models are installed" +
+                                                   names + "; name one with --model"));
 }
 
-void tell_difference(const RemoveOptions& options, const Outcome& outcome) {
+// The earlier machine and its drive, which is looked at as it is.
+MachineState read_before(const fs::path& file) {
     MachineState before;
-    before.machine = platform::load_machine(options.before);
-    const fs::path drive = drive_of(options.before);
-    fs::create_directories(drive);
-    prepare_drive(before.machine, drive);
-    before.files = list_drive(drive);
+    before.machine = platform::load_machine(file);
+    if (const fs::path drive = drive_of(file); fs::is_directory(drive))
+        before.files = list_drive(drive);
+    for (const std::u16string& folder : first_folders(before.machine))
+        for (std::u16string path = folder; path.size() > 3; path.erase(path.rfind(u'\\')))
+            before.files.try_emplace(platform::to_utf8(path), DriveFile{0, {}, true});
+    return before;
+}
+
+void tell_difference(const MachineState& before, const Outcome& outcome) {
     std::cout << "\n  == What is different from before the first install ==\n";
     for (const std::string& line : difference(before, {outcome.after, outcome.files_after}))
-        std::cout << "    " << line << "\n";
+        std::cout << "    " << shown_text(line) << "\n";
 }
 
 int remove_from(const RemoveOptions& options) {
     platform::Machine machine = platform::load_machine(options.machine_file);
+    std::optional<MachineState> before;
+    if (!options.before.empty())
+        before = read_before(options.before);
     const fs::path drive_c = options.drive_c.empty() ? drive_of(options.machine_file) : options.drive_c;
-    const std::u16string model = platform::to_utf16(choose_model(options, drive_c));
+    Removal removal;
+    removal.model = platform::to_utf16(choose_model(options, machine, drive_c));
+    check_fault_names(machine, options.machine_file);
     TerminalView view(std::cout, options.quiet);
     ScriptUser user(view, {});
     ProgramRun run;
     run.drive_c = drive_c;
-    run.entry = [&model](HINSTANCE instance, char*) { return run_remover(instance, model); };
+    run.entry = [&removal](HINSTANCE instance, char*) { return run_remover(instance, removal); };
     run.finished = [&view] { view.look(); };
     const Outcome outcome = run_program(run, machine, user, view.log);
     platform::save_machine(machine, options.machine_file);
-    if (!options.before.empty())
-        tell_difference(options, outcome);
-    if (!outcome.refusal.empty()) {
-        std::cerr << "trk: the run was stopped: " << outcome.refusal << "\n";
-        return layer_refused;
-    }
-    int status = outcome.exit_code == 0 ? ended_well : ended_badly;
-    if (status == ended_badly)
-        std::cerr << "trk: the removal left something behind or found nothing to remove; the log tells\n";
-    for (const std::string& misuse : outcome.misuses) {
-        std::cerr << "trk: forbidden by the platform: " << misuse << "\n";
-        status = ended_badly;
-    }
-    return status;
+    if (before)
+        tell_difference(*before, outcome);
+    const Verdict verdict = judge_removal(outcome, removal);
+    tell_verdict(verdict, std::cout);
+    return verdict.status;
 }
 
 } // namespace

@@ -11,6 +11,8 @@
 #include "support/install_log.h"
 #include "support/text.h"
 
+#include <winspool.h>
+
 #include <iterator>
 
 namespace rehearsal {
@@ -22,16 +24,23 @@ INT_PTR CALLBACK remover_proc(HWND, UINT, WPARAM, LPARAM) {
     return 0;
 }
 
-// The driver's name, from the INF that the deployment left in the install folder.
-int read_driver_name(const WCHAR* install_folder, WCHAR* driver_name, size_t capacity) {
+// The driver's name and the package's, from the INF that the deployment left in the install folder.
+int read_installed_inf(Removal& removal) {
     char inf_name[inf_name_capacity];
     WCHAR inf_path[removal_path_capacity];
+    WCHAR text[256];
     DriverIdentity driver = {};
-    return find_package_inf(install_folder, inf_name) &&
-           format_text(inf_path, std::size(inf_path), TEXT("%s\\inf\\%S"), install_folder, inf_name) &&
-           read_inf_driver(inf_path, driver.driverName, 255, driver.manuName, 255, driver.mdlName, 255,
-                           &driver.version, &driver.hasUSB) &&
-           widen(driver_name, capacity, driver.driverName);
+    const WCHAR* const folder = removal.install_folder.c_str();
+    if (!find_package_inf(folder, inf_name) || !widen(text, std::size(text), inf_name))
+        return 0;
+    removal.inf_name = text;
+    if (!format_text(inf_path, std::size(inf_path), TEXT("%s\\inf\\%S"), folder, inf_name) ||
+        !read_inf_driver(inf_path, driver.driverName, 255, driver.manuName, 255, driver.mdlName, 255,
+                         &driver.version, &driver.hasUSB) ||
+        !widen(text, std::size(text), driver.driverName))
+        return 0;
+    removal.driver = text;
+    return 1;
 }
 
 // Shows the queues with their marks in the list of the main dialog's template.
@@ -49,31 +58,59 @@ void show_queues(HINSTANCE instance, const WCHAR* driver_name) {
     DestroyWindow(dialog);
 }
 
-int remove_model(HINSTANCE instance, const WCHAR* model) {
-    WCHAR install_folder[removal_path_capacity];
-    WCHAR driver_name[256];
-    char model_name[256];
-    if (!format_text(install_folder, std::size(install_folder), TEXT("C:\\Program Files\\%s\\%s"), maker,
-                     model) ||
-        !narrow(model_name, std::size(model_name), model) ||
-        !read_driver_name(install_folder, driver_name, std::size(driver_name)))
-        return 2;
-    show_queues(instance, driver_name);
+// Whether the spooler says that no queue of the driver stands; one that says nothing may have some.
+int all_queues_gone(const WCHAR* driver_name) {
+    DWORD size = 0;
+    DWORD count = 0;
+    if (EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 2, nullptr, 0, &size, &count))
+        return 1;
+    if (GetLastError() != ERROR_INSUFFICIENT_BUFFER)
+        return 0;
     DWORD connected = 0;
-    const int stayed =
-        list_installed_printers(driver_name, nullptr, 0, delete_queues_and_ports, &connected, 0);
-    const int removed = remove_installation(install_folder, maker, model_name);
-    return removed && !stayed ? 0 : 1;
+    return list_installed_printers(driver_name, nullptr, 0, list_queues, &connected, 0) == 0;
+}
+
+// Takes the package's copies out of the driver store; 0 when one is refused.
+int remove_packages(const Removal& removal) {
+    char inf_name[inf_name_capacity];
+    WCHAR inf_path[removal_path_capacity];
+    if (!narrow(inf_name, std::size(inf_name), removal.inf_name.c_str()))
+        return 0;
+    std::u16string last;
+    while (get_store_inf_name(inf_name, inf_path)) {
+        if (last == inf_path || !remove_driver_package(inf_path))
+            return 0;
+        last = inf_path;
+    }
+    return 1;
+}
+
+int remove_model(HINSTANCE instance, Removal& removal) {
+    WCHAR install_folder[program_files_path_capacity];
+    char model_name[256];
+    if (!build_program_files_path(install_folder, maker, removal.model.c_str()) ||
+        !narrow(model_name, std::size(model_name), removal.model.c_str()))
+        return 2;
+    removal.install_folder = install_folder;
+    if (!read_installed_inf(removal))
+        return 2;
+    const WCHAR* const driver = removal.driver.c_str();
+    show_queues(instance, driver);
+    DWORD connected = 0;
+    if (list_installed_printers(driver, nullptr, 0, delete_queues_and_ports, &connected, 0) != 0 ||
+        !all_queues_gone(driver) || !remove_packages(removal))
+        return 1;
+    return remove_installation(install_folder, maker, model_name) ? 0 : 1;
 }
 
 } // namespace
 
-int run_remover(HINSTANCE instance, const std::u16string& model) {
+int run_remover(HINSTANCE instance, Removal& removal) {
     WCHAR path[256];
     app.app_instance = instance;
     app.log_handle = open_log(TEXT("trk_install"), TEXT(".log"), path, static_cast<DWORD>(std::size(path)));
     log_write(app.log_handle, TEXT("\r\nremove\r\n"));
-    const int result = remove_model(instance, model.c_str());
+    const int result = remove_model(instance, removal);
     close_log();
     return result;
 }

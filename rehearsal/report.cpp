@@ -71,10 +71,13 @@ ordered_json shortcuts_json(const Outcome& outcome, const std::filesystem::path&
 
 } // namespace
 
-std::string report_text(const Outcome& outcome, int exit_status, const std::filesystem::path& drive_c) {
+std::string report_text(const Outcome& outcome, const Verdict& verdict,
+                        const std::filesystem::path& drive_c) {
     ordered_json out;
     out["exit_code"] = outcome.exit_code;
-    out["exit_status"] = exit_status;
+    out["exit_status"] = verdict.status;
+    out["verdict"] = verdict.line;
+    out["missing"] = verdict.missing;
     out["refusal"] = outcome.refusal;
     out["script_problem"] = outcome.problem;
     out["failures"] = find_failures(outcome);

@@ -1,6 +1,7 @@
 // The outcome of a rehearsal as JSON, for other programs.
 #pragma once
 
+#include "rehearsal/judge.h"
 #include "rehearsal/outcome.h"
 
 #include <filesystem>
@@ -8,6 +9,6 @@
 
 namespace rehearsal {
 
-std::string report_text(const Outcome& outcome, int exit_status, const std::filesystem::path& drive_c);
+std::string report_text(const Outcome& outcome, const Verdict& verdict, const std::filesystem::path& drive_c);
 
 } // namespace rehearsal

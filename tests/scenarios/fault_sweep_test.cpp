@@ -44,7 +44,9 @@ void prepare_removal(Scenario& scenario) {
     scenario.run();
     scenario.actions.clear();
     scenario.entry = [](HINSTANCE instance, char*) {
-        return rehearsal::run_remover(instance, u"Label 100 Series");
+        rehearsal::Removal removal;
+        removal.model = u"Label 100 Series";
+        return rehearsal::run_remover(instance, removal);
     };
 }
 
