@@ -2,6 +2,9 @@
 
 #include "rehearsal/shown_text.h"
 
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
 #include <charconv>
 #include <cstring>
 #include <fstream>

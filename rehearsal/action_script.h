@@ -2,13 +2,16 @@
 // terminal.
 #pragma once
 
-#include "calls/run/user.h"
-
 #include <cstddef>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+namespace platform {
+struct BoxView;
+struct DialogView;
+} // namespace platform
 
 namespace rehearsal {
 
