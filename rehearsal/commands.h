@@ -12,6 +12,7 @@ namespace rehearsal {
 void add_rehearse(CLI::App& app, int& status);
 void add_remove(CLI::App& app, int& status);
 void add_printer(CLI::App& app, int& status);
+void add_log(CLI::App& app, int& status);
 void add_check(CLI::App& app, int& status);
 
 // For the sub-commands that work on a machine file.

@@ -22,6 +22,7 @@ int main(int argc, char** argv) {
     rehearsal::add_rehearse(app, status);
     rehearsal::add_remove(app, status);
     rehearsal::add_printer(app, status);
+    rehearsal::add_log(app, status);
     rehearsal::add_check(app, status);
     try {
         app.parse(argc, argv);

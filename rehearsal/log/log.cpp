@@ -1,0 +1,81 @@
+#include "rehearsal/log/log.h"
+
+#include "rehearsal/exit_status.h"
+#include "rehearsal/log/log_text.h"
+#include "rehearsal/log/log_views.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+#include <unistd.h>
+
+namespace rehearsal {
+namespace {
+
+int no_log(const std::string& file, const std::string& reason) {
+    std::cerr << "trk: " << file << ": " << reason << "\n";
+    return wrong_usage;
+}
+
+bool read_bytes(const std::string& file, std::string& bytes) {
+    std::ostringstream out;
+    if (file == "-") {
+        out << std::cin.rdbuf();
+    } else {
+        std::ifstream in(file, std::ios::binary);
+        if (!in)
+            return false;
+        // An empty file leaves the fail bit behind, which says nothing.
+        out << in.rdbuf();
+        if (in.bad())
+            return false;
+    }
+    bytes = out.str();
+    return true;
+}
+
+void print_runs(const logs::Reading& reading, std::size_t first, const LogOptions& options) {
+    const char* no_colour = std::getenv("NO_COLOR");
+    logs::ViewOptions view;
+    view.explain = options.explain;
+    view.colour = isatty(STDOUT_FILENO) != 0 && (no_colour == nullptr || *no_colour == 0);
+    for (std::size_t i = first; i < reading.runs.size(); ++i)
+        std::cout << (i == first ? "" : "\n")
+                  << logs::draw_run(reading.runs[i], i + 1, reading.runs.size(), view);
+    if (reading.cut)
+        std::cout << "\nThe file ends in the middle of a line.\n";
+}
+
+} // namespace
+
+int read_install_log(const LogOptions& options) {
+    if (options.lines) {
+        std::cout << logs::lines_as_markdown() << "\n### the system's codes\n\n"
+                  << logs::errors_as_markdown();
+        return ended_well;
+    }
+    if (!logs::code_page_is_known(options.code_page))
+        return no_log(options.file, "code page " + std::to_string(options.code_page) + " isn't known");
+    std::string bytes;
+    if (!read_bytes(options.file, bytes))
+        return no_log(options.file, "can't be read");
+    logs::Reading reading = logs::read_log(logs::decode_log(bytes, options.code_page));
+    if (reading.runs.empty())
+        return no_log(options.file, "no install log: no line begins a run (\"Vorlane Installer\")");
+    const std::size_t first = options.last ? reading.runs.size() - 1 : 0;
+    const bool good =
+        std::all_of(reading.runs.begin() + static_cast<std::ptrdiff_t>(first), reading.runs.end(),
+                    [](const logs::Run& run) { return logs::is_good(run.verdict); });
+    if (options.json) {
+        reading.runs.erase(reading.runs.begin(), reading.runs.begin() + static_cast<std::ptrdiff_t>(first));
+        std::cout << logs::reading_as_json(reading, options.file, options.explain);
+    } else {
+        print_runs(reading, first, options);
+    }
+    return good ? ended_well : ended_badly;
+}
+
+} // namespace rehearsal

@@ -1,0 +1,22 @@
+// trk log: reads an install log as a customer sends it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace rehearsal {
+
+struct LogOptions {
+    std::string file; // "-" for standard input
+    std::uint32_t code_page = 1252;
+    bool last = false; // the last run alone
+    bool explain = false;
+    bool json = false;
+    bool lines = false; // no file: the table of all lines
+};
+
+// The exit status: ended_well when all runs shown are good, ended_badly when one isn't, wrong_usage without a
+// log.
+int read_install_log(const LogOptions& options);
+
+} // namespace rehearsal
