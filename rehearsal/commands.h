@@ -13,6 +13,8 @@ void add_rehearse(CLI::App& app, int& status);
 void add_remove(CLI::App& app, int& status);
 void add_printer(CLI::App& app, int& status);
 void add_log(CLI::App& app, int& status);
+void add_new(CLI::App& app, int& status);
+void add_facts(CLI::App& app, int& status);
 void add_check(CLI::App& app, int& status);
 
 // For the sub-commands that work on a machine file.

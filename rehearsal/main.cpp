@@ -23,6 +23,8 @@ int main(int argc, char** argv) {
     rehearsal::add_remove(app, status);
     rehearsal::add_printer(app, status);
     rehearsal::add_log(app, status);
+    rehearsal::add_new(app, status);
+    rehearsal::add_facts(app, status);
     rehearsal::add_check(app, status);
     try {
         app.parse(argc, argv);
