@@ -91,7 +91,7 @@ std::string time_item(std::int64_t seconds) {
 }
 
 std::string member(const ListedFile& file, DigestAlgorithm by, const ListOptions& options) {
-    const bool image = rehearsal::check::is_image(file.bytes);
+    const bool image = !options.images_by_bytes && rehearsal::check::is_image(file.bytes);
     const std::string digest = image ? rehearsal::check::image_digest(file.bytes, by, false)
                                      : rehearsal::check::flat_digest(file.bytes, by);
     const std::string identifier =

@@ -39,7 +39,8 @@ struct ListOptions {
     std::int64_t made = 0;
     std::string versions = "2:6.0,2:6.1,2:6.2,2:6.3,2:10.0"; // each member's "OSAttr"; empty: none
     std::string systems;                                     // the catalogue's "OS"; empty: none
-    std::string usage = "1.3.6.1.4.1.311.12.1.1";            // what the list says it is: a catalogue
+    bool images_by_bytes = false;                 // programs listed like other files: a fault for tests
+    std::string usage = "1.3.6.1.4.1.311.12.1.1"; // what the list says it is: a catalogue
 };
 
 // The list in its distinguished encoding, header included.

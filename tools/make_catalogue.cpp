@@ -39,7 +39,7 @@ std::string make(const fs::path& folder, const std::string& name) {
     ListOptions list;
     list.made = made;
     list.systems = "VistaX86,VistaX64,7X86,7X64,8X86,8X64,_v63,_v63_X64,_v100,_v100_X64";
-    const Identity root = make_identity(KeyKind::rsa, "Sample Root, trusted by nobody", Purpose::authority,
+    const Identity root = make_identity(KeyKind::rsa, "Sample Root (trusted by nobody)", Purpose::authority,
                                         not_before, not_after, nullptr);
     SignOptions sign;
     sign.signer =

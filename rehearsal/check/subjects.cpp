@@ -7,6 +7,7 @@ namespace {
 
 constexpr Subject all_subjects[] = {
     {"layout", rules_of_layout, check_layout},
+    {"catalogue", rules_of_catalogue, check_catalogue},
     {"media", rules_of_media_table, check_media_table},
     {"settings", rules_of_settings, check_settings},
     {"terms", rules_of_terms, check_terms},

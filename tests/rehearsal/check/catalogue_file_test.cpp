@@ -127,35 +127,18 @@ TEST(CatalogueFile, SurvivesDamage) {
     EXPECT_GT(refused, 0U);
 }
 
-// A 64-bit image of nothing but headers: 8-byte steps of the size, a check sum and a table of certificates.
-std::string small_image(std::string_view behind_headers, std::string_view certificates) {
-    std::string bytes(0x40 + 24 + 112 + 16 * 8, '\0');
-    bytes.replace(0, 2, "MZ");
-    bytes[0x3C] = 0x40;
-    bytes.replace(0x40, 2, "PE");
-    bytes[0x40 + 24] = 0x0B;
-    bytes[0x40 + 25] = 0x02;
-    bytes += behind_headers;
-    const std::size_t entry = 0x40 + 24 + 112 + 4 * 8;
-    if (!certificates.empty()) {
-        bytes[entry] = static_cast<char>(bytes.size() & 0xFF);
-        bytes[entry + 1] = static_cast<char>(bytes.size() >> 8);
-        bytes[entry + 4] = static_cast<char>(certificates.size());
-    }
-    return bytes + std::string(certificates);
-}
-
 TEST(CatalogueDigest, LeavesOutOfAnImageWhatSigningChanges) {
     using rehearsal::check::image_digest;
-    const std::string plain = small_image("12345678", "");
+    const std::string plain = tests::small_image("12345678", "");
     const std::string digest = image_digest(plain, DigestAlgorithm::sha256, false);
     ASSERT_EQ(digest.size(), 32U);
-    std::string summed = small_image("12345678", "certificates....");
+    std::string summed = tests::small_image("12345678", "certificates....");
     summed[0x40 + 24 + 64] = 7;
     EXPECT_EQ(image_digest(summed, DigestAlgorithm::sha256, false), digest);
-    EXPECT_EQ(image_digest(small_image("12345", ""), DigestAlgorithm::sha256, true),
-              image_digest(small_image(std::string("12345\0\0\0", 8), ""), DigestAlgorithm::sha256, false));
-    EXPECT_NE(image_digest(small_image("12345679", ""), DigestAlgorithm::sha256, false), digest);
+    EXPECT_EQ(
+        image_digest(tests::small_image("12345", ""), DigestAlgorithm::sha256, true),
+        image_digest(tests::small_image(std::string("12345\0\0\0", 8), ""), DigestAlgorithm::sha256, false));
+    EXPECT_NE(image_digest(tests::small_image("12345679", ""), DigestAlgorithm::sha256, false), digest);
     for (std::size_t size = 0; size < plain.size(); ++size) // cut anywhere in its headers it is no image
         EXPECT_EQ(rehearsal::check::is_image(plain.substr(0, size)), size >= 0x40 + 24 + 112 + 5 * 8) << size;
 }

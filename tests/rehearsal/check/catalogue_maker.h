@@ -16,6 +16,7 @@ struct SigningIdentities {
     catalogue::Identity signer;  // valid from 2024 to 2049
     catalogue::Identity expired; // in 2024 alone
     catalogue::Identity stamper;
+    catalogue::Identity self; // vouches for itself
 };
 
 const SigningIdentities& signing_identities();
@@ -26,5 +27,8 @@ catalogue::SignOptions usual_signing();
 std::string make_catalogue(const std::vector<catalogue::ListedFile>& files,
                            const catalogue::SignOptions& signing = usual_signing(),
                            catalogue::ListOptions list = {});
+
+// A 64-bit program of nothing but headers, with a table of certificates if there are any.
+std::string small_image(std::string_view behind_headers, std::string_view certificates);
 
 } // namespace tests
