@@ -16,6 +16,8 @@
 #   language WORD      puts the language into the medium's settings.inf
 # With a file `wanted.json` the rehearsal can't tell: then that is what each record under Wine must contain.
 #
+# TRK_WINE_AT_ONCE, 3 unless set, is how many run at the same time.
+#
 # Everything lies in build/wine: a prefix made once, and for each scenario a copy of it, both platforms' machines,
 # records and logs. The user's own prefix is never touched. Nothing needs a display.
 set -euo pipefail
@@ -34,6 +36,7 @@ readonly scenarios_folder=${TRK_SCENARIOS:-$root/acceptance/scenarios}
 readonly template=$state/template
 readonly run_timeout=90   # seconds; what the pilot gives a run
 readonly hang_timeout=150 # what a run may take when the pilot itself hangs
+readonly at_once=${TRK_WINE_AT_ONCE:-3}
 
 unset DISPLAY WAYLAND_DISPLAY
 
@@ -212,9 +215,14 @@ run_one() { # NAME RUN-FOLDER
     fi
 }
 
-# Begun again among the printers: all scenarios, one after the other.
+# Whoever makes a scenario's folder of claims runs it, so that several can work through one list.
+readonly claims=$state/claims
+claim() { mkdir "$claims/$1" 2>/dev/null; }
+
+# Begun again among printers of its own: of the scenarios those that nobody has claimed, one after the other. What
+# one has to say is told in one piece, as others tell theirs at the same time.
 run_scenarios() {
-    local name begin end passed=0 failed=0 result started=$SECONDS
+    local name begin tenths result said
     current=''
     trap '[ -z "$current" ] || stop_server "$current/wine/prefix"' EXIT
     trap 'exit 130' INT
@@ -224,20 +232,62 @@ run_scenarios() {
         exit 1
     fi
     for name in "$@"; do
+        claim "$name" || continue
         begin=$(date +%s%N)
         current=$state/runs/$name
         result=FAILED
-        if run_one "$name" "$current"; then
-            result=passed
+        said=$claims/$name/said
+        ! run_one "$name" "$current" >"$said" || result=passed
+        stop_server "$current/wine/prefix"
+        tenths=$((($(date +%s%N) - begin) / 100000000))
+        printf '%s  %-24s %5.1f s\n' "$result" "$name" "${tenths}e-1" >>"$said"
+        echo "$result" >"$claims/$name/result"
+        cat "$said"
+    done
+}
+
+# Ends the workers, which wait for what they have started: Wine first.
+stop_workers() { # STATUS
+    local prefix worker
+    trap - INT TERM
+    for prefix in "$state"/runs/*/wine/prefix; do
+        stop_server "$prefix"
+    done
+    for worker in "${workers[@]}"; do
+        kill -- "-$worker" 2>/dev/null || true
+    done
+    wait
+    exit "$1"
+}
+
+# A scenario mostly waits, so that several are run at once, each worker in a network of its own.
+start_workers() {
+    local number
+    workers=()
+    trap 'stop_workers 130' INT
+    trap 'stop_workers 143' TERM
+    set -m # process groups of their own, which can be ended
+    for ((number = 0; number < at_once && number < $#; number++)); do
+        rehearsal/run_network.sh "$trk" "$root/acceptance/run_wine.sh" --among-printers "$@" </dev/null \
+            2> >(grep -v '^network: printer ' >&2) &
+        workers+=($!)
+    done
+    set +m
+    wait "${workers[@]}" || true
+}
+
+count_results() {
+    local name passed=0 failed=0 result
+    for name in "$@"; do
+        result=$(cat "$claims/$name/result" 2>/dev/null || echo 'not run')
+        if [ "$result" = passed ]; then
             passed=$((passed + 1))
         else
             failed=$((failed + 1))
+            [ "$result" = FAILED ] || echo "$result: $name"
         fi
-        stop_server "$current/wine/prefix"
-        end=$(date +%s%N)
-        printf '%s  %-24s %5.1f s\n' "$result" "$name" "$(((end - begin) / 100000000))e-1"
     done
-    echo "$((SECONDS - started)) s"
+    echo "$SECONDS s"
     echo "$passed passed, $failed failed"
     [ "$failed" -eq 0 ]
 }
@@ -255,5 +305,7 @@ if [ $# -eq 0 ]; then
         scenarios+=("$(basename "$folder")")
     done
 fi
-exec rehearsal/run_network.sh "$trk" "$root/acceptance/run_wine.sh" --among-printers "${scenarios[@]}" \
-    2> >(grep -v '^network: printer ' >&2)
+rm -rf "$claims"
+mkdir -p "$claims"
+start_workers "${scenarios[@]}"
+count_results "${scenarios[@]}"

@@ -33,12 +33,16 @@ make_template() {
     mv "$fresh" "$template"
 }
 
-# The locales that are asked for; most machines have but one or two.
+# The locales that are asked for; most machines have but one or two. Made aside and put in place, as others may be
+# asking for the same one.
 make_locale() {
-    [ -d "$state/locales/$1.UTF-8" ] || {
-        mkdir -p "$state/locales"
-        localedef -i "$1" -f UTF-8 "$state/locales/$1.UTF-8"
-    }
+    local made=$state/locales/$1.UTF-8 fresh
+    [ ! -d "$made" ] || return 0
+    mkdir -p "$state/locales"
+    fresh=$(mktemp -d "$state/locales/new.XXXXXX")
+    localedef -i "$1" -f UTF-8 "$fresh/made" || return 1
+    mv -T "$fresh/made" "$made" 2>/dev/null || [ -d "$made" ]
+    rm -rf "$fresh"
 }
 
 # A prefix made of the template. Wine's own files are links to the template's, as they are large and nobody writes
