@@ -1,7 +1,7 @@
 # Two commands do everything on a fresh Debian 12: `make run` and `make test`. CMake presets stand behind them.
 JOBS ?= $(shell nproc)
 
-.PHONY: help run test wine wine32 screenshots times windows linux install package try-package sign packages pictures catalogue format clean
+.PHONY: help run test wine wine32 screenshots times lint fuzz tsan windows linux install package try-package sign packages pictures catalogue format clean
 .DEFAULT_GOAL := help
 
 help:
@@ -10,6 +10,9 @@ help:
 	@echo "make wine     run the real 64-bit program under Wine and hold it against the rehearsal"
 	@echo "make wine32   the same for the 32-bit program, in an i386 root of 2 GB made with debootstrap"
 	@echo "make screenshots  photograph every dialog in every language under Wine, into docs/pictures/"
+	@echo "make lint     the layout of the sources, and clang-tidy for some of them"
+	@echo "make fuzz     made-up inputs for the readers; SECONDS=60 for each, TARGETS=... for some"
+	@echo "make tsan     the scenarios under ThreadSanitizer"
 	@echo "make times    where the time of the last builds, tests and runs went"
 	@echo "make windows  the two Windows programs and the library, stripped, in dist/"
 	@echo "make linux    the rehearsal tool alone, in build/linux"
@@ -35,6 +38,24 @@ run: linux
 times:
 	@cmake/times.sh
 
+# SECONDS bounds what clang-tidy may take beside the files that were changed.
+lint fuzz: SECONDS ?= 60
+lint: packages
+	@cmake/timed.sh lint cmake/lint.sh $(SECONDS)
+
+# TARGETS names the wanted ones of fuzz/corpus.
+fuzz: packages
+	@cmake/install_packages.sh debian-packages-fuzz.txt
+	@mkdir -p build && cmake --preset fuzz >build/fuzz-configure.log
+	@cmake --build --preset fuzz --parallel $(JOBS) --target trk_fuzz
+	@fuzz/run.sh $(SECONDS) $(TARGETS)
+
+# The scenarios have the program's two threads in them.
+tsan: packages
+	@mkdir -p build && cmake --preset tsan >build/tsan-configure.log
+	@cmake/timed.sh build-tsan cmake --build --preset tsan --parallel $(JOBS) --target trk_scenario_tests
+	@cmake/timed.sh tsan build/tsan/tests/trk_scenario_tests --gtest_brief=1
+
 windows: packages
 	@cmake/build.sh $(JOBS) windows-i686 windows-x86_64
 	@cmake/collect_dist.sh
@@ -49,11 +70,13 @@ test: windows
 # SCENARIOS names the wanted ones of acceptance/scenarios; without it all run. REHEARSAL=test rehearses with what
 # `make test` has built, sanitizers and all, and saves a build.
 REHEARSAL ?= linux
+CONTRACT = $(if $(SCENARIOS),$(if $(filter contract,$(SCENARIOS)),--target trk_contract),--target trk_contract)
 wine: packages
 	@cmake/install_packages.sh debian-packages-wine.txt
 	@cmake/build.sh $(JOBS) $(REHEARSAL) windows-x86_64
 	@cmake --build --preset $(REHEARSAL) --parallel $(JOBS) --target trk_acceptance
-	@cmake --build --preset windows-x86_64 --parallel $(JOBS) --target trk_acceptance
+	@cmake/timed.sh build-acceptance \
+		cmake --build --preset windows-x86_64 --parallel $(JOBS) --target trk_acceptance $(CONTRACT)
 	@TRK_LINUX_BUILD=build/$(REHEARSAL) cmake/timed.sh wine acceptance/run_wine.sh $(SCENARIOS)
 
 # SCENARIOS is for the road on which the 32-bit program installs by itself.
@@ -61,7 +84,7 @@ wine32: packages
 	@cmake/install_packages.sh debian-packages-wine32.txt
 	@cmake/build.sh $(JOBS) linux windows-i686 windows-x86_64
 	@cmake --build --preset linux --parallel $(JOBS) --target trk_acceptance
-	@cmake --build --preset windows-i686 --parallel $(JOBS) --target trk_acceptance
+	@cmake --build --preset windows-i686 --parallel $(JOBS) --target trk_acceptance $(CONTRACT)
 	@cmake --build --preset windows-x86_64 --parallel $(JOBS) --target trk_acceptance
 	@acceptance/run_wine32.sh $(SCENARIOS)
 
@@ -93,10 +116,9 @@ sign: windows
 	@cmake/install_packages.sh debian-packages-packaging.txt
 	@packaging/sign.sh "$(CERT)" "$(KEY)"
 
-pictures:
-	@mkdir -p build
-	@$(CXX) -std=c++20 -O1 tools/draw_pictures.cpp -o build/draw_pictures
-	@build/draw_pictures src/resources
+pictures: packages
+	@cmake/install_packages.sh debian-packages-pictures.txt
+	@tools/draw_pictures.sh $(CURDIR)/src/resources
 
 # With a certificate made on the spot, so that each run gives another catalogue.
 catalogue: packages
