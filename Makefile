@@ -1,7 +1,7 @@
 # Two commands do everything on a fresh Debian 12: `make run` and `make test`. CMake presets stand behind them.
 JOBS ?= $(shell nproc)
 
-.PHONY: help run test wine wine32 screenshots times lint fuzz tsan windows linux install package try-package sign packages pictures catalogue format clean
+.PHONY: help run test wine wine32 screenshots times lint tsan windows linux install package try-package sign packages pictures catalogue format clean
 .DEFAULT_GOAL := help
 
 help:
@@ -11,7 +11,6 @@ help:
 	@echo "make wine32   the same for the 32-bit program, in an i386 root of 2 GB made with debootstrap"
 	@echo "make screenshots  photograph every dialog in every language under Wine, into docs/pictures/"
 	@echo "make lint     the layout of the sources, and clang-tidy for some of them"
-	@echo "make fuzz     made-up inputs for the readers; SECONDS=60 for each, TARGETS=... for some"
 	@echo "make tsan     the scenarios under ThreadSanitizer"
 	@echo "make times    where the time of the last builds, tests and runs went"
 	@echo "make windows  the two Windows programs and the library, stripped, in dist/"
@@ -39,16 +38,9 @@ times:
 	@cmake/times.sh
 
 # SECONDS bounds what clang-tidy may take beside the files that were changed.
-lint fuzz: SECONDS ?= 60
+lint: SECONDS ?= 60
 lint: packages
 	@cmake/timed.sh lint cmake/lint.sh $(SECONDS)
-
-# TARGETS names the wanted ones of fuzz/corpus.
-fuzz: packages
-	@cmake/install_packages.sh debian-packages-fuzz.txt
-	@mkdir -p build && cmake --preset fuzz >build/fuzz-configure.log
-	@cmake --build --preset fuzz --parallel $(JOBS) --target trk_fuzz
-	@fuzz/run.sh $(SECONDS) $(TARGETS)
 
 # The scenarios have the program's two threads in them.
 tsan: packages
