@@ -79,6 +79,15 @@ TEST(NewMedium, PassesTheCheckButForItsMakersFiles) {
         EXPECT_TRUE(makers || finding.severity == rehearsal::check::Severity::note)
             << finding.id << ": " << whole;
     }
+    // Which it would, were there something to name.
+    const auto findings_in = [&](const std::string& file) {
+        const auto findings = rehearsal::check::check_medium(options.folder);
+        return std::count_if(findings.begin(), findings.end(),
+                             [&](const auto& finding) { return finding.place.file == file; });
+    };
+    EXPECT_EQ(findings_in("wrenchbay/media.inf"), 0);
+    replace_in_file(options.folder / "wrenchbay" / "media.inf", "[Media]", "[Meda]");
+    EXPECT_GT(findings_in("wrenchbay/media.inf"), 0);
 }
 
 TEST(NewMedium, HasTheLanguagesThatWereAskedFor) {
