@@ -1,4 +1,5 @@
 // Logs that real rehearsals wrote, read back: what each run was, what failed in it and what it left.
+#include "machine/machine_json.h"
 #include "rehearsal/log/runs.h"
 #include "scenarios/scenario.h"
 
@@ -72,6 +73,16 @@ const std::vector<Case>& cases() {
          Verdict::installed,
          "",
          "-default printer"},
+        {"driver there, no USB in the package",
+         [](Scenario& one) {
+             one.add_driver(package_version);
+             replace_in_file(one.own_medium() / "Drivers" / "lbl.inf", "usbprint\\", "other\\");
+         },
+         {"select 0", "press 1015", "tick 1011", "press 1"},
+         'B',
+         Verdict::installed,
+         "",
+         "-driver"},
         {"no INF",
          [](Scenario& one) { std::filesystem::remove(one.own_medium() / "Drivers" / "lbl.inf"); },
          {},
@@ -179,6 +190,36 @@ TEST(RehearsedLog, TellsWhatWasInstalledFromWhere) {
         << left;
     EXPECT_TRUE(has(left, "shortcut: Label 100 Driver Uninstall.lnk\n")) << left;
     EXPECT_TRUE(has(left, "queue: Label 100 Series with 9 label sizes\n")) << left;
+}
+
+// The machines of the samples, which people rehearse with.
+TEST(RehearsedLog, IsReadFromEachSampleMachine) {
+    const struct {
+        const char* machine;
+        std::vector<std::string> actions;
+        Verdict verdict;
+        std::size_t notices;
+        const char* language;
+    } rows[] = {
+        {"two_printers.json", network_install, Verdict::installed, 0, "English, as the system has it"},
+        {"german.json", usb_install, Verdict::installed, 0, "German, as the system has it"},
+        {"older_driver.json", {}, Verdict::blocked, 0, "English, as the system has it"},
+        {"faults.json", network_install, Verdict::incomplete, 0, "English, as the system has it"},
+        {"no_adapter.json", {"press 1014"}, Verdict::failed, 0, "English, as the system has it"},
+        {"port_taken.json", {"press 1014"}, Verdict::failed, 1, "English, as the system has it"},
+    };
+    const std::filesystem::path machines =
+        std::filesystem::path(TRK_SAMPLE_MEDIUM).parent_path() / "machines";
+    for (const auto& row : rows) {
+        Scenario scenario;
+        scenario.machine = platform::load_machine(machines / row.machine);
+        scenario.actions = row.actions;
+        const rehearsal::logs::Run run = read_one(scenario);
+        EXPECT_EQ(std::string(verdict_name(run.verdict)), verdict_name(row.verdict))
+            << row.machine << ": " << run.reason;
+        EXPECT_EQ(run.notices.size(), row.notices) << row.machine;
+        EXPECT_EQ(language_text(run), row.language) << row.machine;
+    }
 }
 
 // Wherever the file ends, nothing is told that the lines don't say.
