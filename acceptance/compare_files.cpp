@@ -2,9 +2,9 @@
 
 #include "calls/shell/link_reader.h"
 #include "machine/text.h"
+#include "machine/whole_file.h"
 
 #include <algorithm>
-#include <fstream>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
@@ -95,12 +95,10 @@ std::vector<std::string> lines_of(const std::string& text) {
 } // namespace
 
 std::string read_bytes(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << stream.rdbuf();
-    if (!stream || bytes.bad())
+    auto bytes = platform::read_whole_file(file);
+    if (!bytes)
         throw std::runtime_error(file.string() + ": can't be read");
-    return bytes.str();
+    return *std::move(bytes);
 }
 
 MadeFiles list_made(const fs::path& drive, const fs::path& beginning) {

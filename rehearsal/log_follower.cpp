@@ -2,7 +2,7 @@
 
 #include "calls/files/file_object.h"
 #include "calls/run/session.h"
-#include "calls/text/code_page_table.h"
+#include "calls/text/code_page_text.h"
 #include "machine/text.h"
 #include "state/app_state.h"
 
@@ -11,8 +11,6 @@
 
 namespace rehearsal {
 namespace {
-
-constexpr std::uint32_t utf8_code_page = 65001;
 
 // The real file of the program's open log; empty while there is none.
 std::filesystem::path open_log_file() {
@@ -26,23 +24,7 @@ std::filesystem::path open_log_file() {
 } // namespace
 
 std::string ansi_to_utf8(std::string_view bytes, std::uint32_t code_page) {
-    if (code_page == utf8_code_page)
-        return std::string(bytes);
-    const platform::CodePageTable* const table = platform::code_page_table(code_page);
-    if (table == nullptr)
-        return std::string(bytes);
-    std::u16string text;
-    for (std::size_t place = 0; place < bytes.size(); ++place) {
-        const auto byte = static_cast<unsigned char>(bytes[place]);
-        if (!table->lead[byte]) {
-            text += table->single[byte];
-        } else if (++place < bytes.size()) {
-            const auto trail = static_cast<unsigned char>(bytes[place]);
-            const char16_t pair = table->pairs[byte * 256u + trail];
-            text += pair != 0 ? pair : table->unknown;
-        }
-    }
-    return platform::to_utf8(text);
+    return platform::to_utf8(platform::widen(platform::code_page_table(code_page), bytes).text);
 }
 
 void LogFollower::find() {

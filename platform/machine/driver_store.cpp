@@ -1,6 +1,7 @@
 #include "machine/driver_store.h"
 
 #include "machine/inf_package.h"
+#include "machine/little_endian.h"
 #include "machine/text.h"
 
 #include <algorithm>
@@ -43,13 +44,8 @@ std::u16string processor_tag(std::u16string_view environment) {
 
 // UTF-16 and UTF-8 by their marks, all else in the ANSI code page.
 std::u16string decoded(PackageFiles& files, std::string_view bytes) {
-    if (bytes.starts_with("\xFF\xFE")) {
-        std::u16string text;
-        for (std::size_t i = 2; i + 1 < bytes.size(); i += 2)
-            text.push_back(static_cast<char16_t>(static_cast<std::uint8_t>(bytes[i]) |
-                                                 (static_cast<std::uint8_t>(bytes[i + 1]) << 8)));
-        return text;
-    }
+    if (bytes.starts_with("\xFF\xFE"))
+        return utf16_text(bytes.substr(2));
     if (bytes.starts_with("\xEF\xBB\xBF"))
         return to_utf16(bytes.substr(3));
     return files.from_ansi(bytes);

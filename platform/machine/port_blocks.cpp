@@ -1,5 +1,6 @@
 #include "machine/port_blocks.h"
 
+#include "machine/little_endian.h"
 #include "machine/spooler_model.h"
 
 #include <algorithm>
@@ -26,31 +27,21 @@ bool take(Bytes block, std::size_t offset, std::size_t capacity, std::u16string&
 } // namespace
 
 std::uint32_t read_block_number(Bytes block, std::size_t offset) {
-    std::uint32_t value = 0;
-    for (std::size_t i = 4; i > 0; --i)
-        value = (value << 8) | block[offset + i - 1];
-    return value;
+    return ByteReader(block.subspan(offset)).number(4);
 }
 
 std::optional<std::u16string> read_block_text(Bytes block, std::size_t offset, std::size_t capacity) {
-    std::u16string text;
-    for (std::size_t i = 0; i < capacity && offset + 2 * i + 1 < block.size(); ++i) {
-        const auto unit = static_cast<char16_t>(block[offset + 2 * i] | (block[offset + 2 * i + 1] << 8));
-        if (unit == 0)
-            return text;
-        text.push_back(unit);
-    }
-    return std::nullopt;
+    const Bytes rest = block.subspan(std::min(offset, block.size()));
+    const std::u16string field = utf16_text(rest.first(std::min(rest.size(), 2 * capacity)));
+    const std::size_t end = field.find(u'\0');
+    return end == field.npos ? std::nullopt : std::optional(field.substr(0, end));
 }
 
 void write_block_text(std::span<std::uint8_t> block, std::size_t offset, std::size_t capacity,
                       std::u16string_view text) {
-    const std::u16string_view kept = text.substr(0, capacity - 1);
-    for (std::size_t i = 0; i <= kept.size(); ++i) {
-        const unsigned unit = i < kept.size() ? kept[i] : 0u;
-        block[offset + 2 * i] = static_cast<std::uint8_t>(unit & 0xFF);
-        block[offset + 2 * i + 1] = static_cast<std::uint8_t>(unit >> 8);
-    }
+    std::u16string kept(text.substr(0, capacity - 1));
+    kept.push_back(u'\0');
+    std::ranges::copy(utf16_bytes(kept), block.subspan(offset).begin());
 }
 
 // AddPort, version 1: name at 0 (64 characters), version 128, protocol 132, size 136, reserved 140, host

@@ -1,10 +1,11 @@
 #include "harness/test_session.h"
 
+#include "machine/whole_file.h"
+
 #include <windows.h>
 
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 
 namespace fs = std::filesystem;
 
@@ -67,9 +68,7 @@ void TestSession::write(const fs::path& file, const std::string& bytes) {
 }
 
 std::string TestSession::read(const fs::path& file) {
-    std::ostringstream bytes;
-    bytes << std::ifstream(file, std::ios::binary).rdbuf();
-    return bytes.str();
+    return platform::read_whole_file(file).value_or("");
 }
 
 std::string TestSession::log() const {

@@ -1,51 +1,16 @@
 #include "calls/shell/link_reader.h"
 
 #include "calls/shell/link_text.h"
+#include "machine/little_endian.h"
 
 namespace platform {
 namespace {
 
-// Reads from a block and notes when the block is too short; what lies behind its end reads as zero.
-class Bytes {
-public:
-    explicit Bytes(std::string_view bytes) : bytes_(bytes) {}
-
-    bool short_of_bytes() const { return short_; }
-    std::size_t left() const { return bytes_.size() - place_; }
-
-    std::string_view take(std::size_t count) {
-        if (count > left()) {
-            short_ = true;
-            return {};
-        }
-        place_ += count;
-        return bytes_.substr(place_ - count, count);
-    }
-
-    std::uint32_t number(unsigned count) {
-        std::uint32_t value = 0;
-        unsigned shift = 0;
-        for (const char byte : take(count)) {
-            value |= std::uint32_t{static_cast<std::uint8_t>(byte)} << shift;
-            shift += 8;
-        }
-        return value;
-    }
-
-    std::u16string wide(std::size_t characters) {
-        std::u16string text;
-        const std::string_view bytes = take(2 * characters);
-        for (std::size_t index = 0; index + 1 < bytes.size(); index += 2)
-            text += static_cast<char16_t>(static_cast<std::uint8_t>(bytes[index]) |
-                                          (static_cast<std::uint8_t>(bytes[index + 1]) << 8));
-        return text;
-    }
-
-private:
-    std::string_view bytes_;
-    std::size_t place_ = 0;
-    bool short_ = false;
-};
+// A piece of the file as 8-bit text.
+std::string_view take_text(ByteReader& bytes, std::size_t count) {
+    const auto piece = bytes.take(count);
+    return {reinterpret_cast<const char*>(piece.data()), piece.size()};
+}
 
 // The text at an offset of a block, up to its terminator or the block's end.
 std::u16string ansi_at(std::string_view block, std::uint32_t offset, std::uint32_t code_page) {
@@ -58,14 +23,13 @@ std::u16string ansi_at(std::string_view block, std::uint32_t offset, std::uint32
 std::u16string wide_at(std::string_view block, std::uint32_t offset) {
     if (offset == 0 || offset >= block.size())
         return {};
-    Bytes rest(block.substr(offset));
-    const std::u16string text = rest.wide(rest.left() / 2);
+    const std::u16string text = utf16_text(block.substr(offset));
     return text.substr(0, text.find(u'\0'));
 }
 
 // Local path and the rest of it. The 16-bit forms, where there are any, hold what the 8-bit ones can't.
 std::u16string target_of(std::string_view block, std::uint32_t code_page) {
-    Bytes header(block);
+    ByteReader header(block);
     header.number(4);
     const std::uint32_t header_size = header.number(4);
     const std::uint32_t flags = header.number(4);
@@ -83,23 +47,23 @@ std::u16string target_of(std::string_view block, std::uint32_t code_page) {
     return ansi_at(block, path, code_page) + ansi_at(block, rest, code_page);
 }
 
-std::string_view info_block(Bytes& bytes) {
-    Bytes ahead = bytes;
+std::string_view info_block(ByteReader& bytes) {
+    ByteReader ahead = bytes;
     const std::uint32_t size = ahead.number(4);
-    return bytes.take(size < link_info_short_header ? bytes.left() + 1 : size);
+    return take_text(bytes, size < link_info_short_header ? bytes.left() + 1 : size);
 }
 
-std::u16string counted(Bytes& bytes, bool unicode, std::uint32_t code_page) {
+std::u16string counted(ByteReader& bytes, bool unicode, std::uint32_t code_page) {
     const std::uint32_t count = bytes.number(2);
-    return unicode ? bytes.wide(count) : link_text(bytes.take(count), code_page);
+    return unicode ? bytes.text(count) : link_text(take_text(bytes, count), code_page);
 }
 
 } // namespace
 
 std::optional<LinkFile> read_link(std::string_view content, std::uint32_t code_page, std::string& reason) {
-    Bytes bytes(content);
+    ByteReader bytes(content);
     const std::uint32_t header_size = bytes.number(4);
-    if (header_size != link_header_size || bytes.take(link_class_id.size()) != link_class_id) {
+    if (header_size != link_header_size || take_text(bytes, link_class_id.size()) != link_class_id) {
         reason = "not a shell link";
         return std::nullopt;
     }

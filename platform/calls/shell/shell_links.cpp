@@ -6,14 +6,13 @@
 #include "calls/shell/com.h"
 #include "calls/shell/link_reader.h"
 #include "machine/text.h"
+#include "machine/whole_file.h"
 
 #include <shlobj.h>
 #include <windows.h>
 
 #include <algorithm>
 #include <atomic>
-#include <fstream>
-#include <sstream>
 
 namespace {
 
@@ -181,10 +180,9 @@ HRESULT ShellLink::Load(LPCOLESTR path, DWORD mode) {
         return HRESULT_FROM_WIN32(place.error != 0 ? place.error : ERROR_FILE_NOT_FOUND);
     if (place.folder)
         return E_ACCESSDENIED;
-    std::ostringstream bytes;
-    bytes << std::ifstream(place.real, std::ios::binary).rdbuf();
     std::string reason;
-    const auto link = platform::read_link(bytes.str(), session().machine.code_page, reason);
+    const auto bytes = platform::read_whole_file(place.real);
+    const auto link = platform::read_link(bytes.value_or(""), session().machine.code_page, reason);
     if (!link)
         return E_FAIL;
     link_ = *link;

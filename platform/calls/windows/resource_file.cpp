@@ -1,8 +1,7 @@
 #include "calls/windows/resource_file.h"
 
+#include "machine/little_endian.h"
 #include "machine/text.h"
-
-#include <algorithm>
 
 namespace platform {
 namespace {
@@ -10,35 +9,19 @@ namespace {
 constexpr std::uint16_t number_follows = 0xFFFF; // in the place of a text's first character
 constexpr std::uint32_t has_font = 0x40;         // DS_SETFONT
 
-class Reader {
+void too_short(std::size_t size, std::size_t place, std::size_t wanted) {
+    throw ResourceError("the resource ends after " + std::to_string(size) + " bytes, " +
+                        std::to_string(wanted) + " more are needed at " + std::to_string(place));
+}
+
+class Reader : public ByteReader {
 public:
-    explicit Reader(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
+    explicit Reader(std::span<const std::uint8_t> bytes) : ByteReader(bytes, too_short) {}
 
-    std::size_t place() const { return place_; }
-    std::size_t left() const { return bytes_.size() - place_; }
-
-    std::span<const std::uint8_t> take(std::size_t count) {
-        if (count > left())
-            throw ResourceError("the resource ends after " + std::to_string(bytes_.size()) + " bytes, " +
-                                std::to_string(count) + " more are needed at " + std::to_string(place_));
-        place_ += count;
-        return bytes_.subspan(place_ - count, count);
-    }
-
-    std::uint16_t word() {
-        const auto bytes = take(2);
-        return static_cast<std::uint16_t>(bytes[0] | bytes[1] << 8);
-    }
-
-    std::uint32_t long_word() {
-        const std::uint32_t low = word();
-        return low | static_cast<std::uint32_t>(word()) << 16;
-    }
-
+    std::uint16_t word() { return static_cast<std::uint16_t>(number(2)); }
+    std::uint32_t long_word() { return number(4); }
     int coordinate() { return static_cast<std::int16_t>(word()); }
-
-    // Padding may be missing at the very end.
-    void align() { place_ = std::min((place_ + 3) / 4 * 4, bytes_.size()); }
+    void align() { ByteReader::align(4); }
 
     // A number, a text, or nothing.
     ResourceName name() {
@@ -52,10 +35,6 @@ public:
             result.text.push_back(static_cast<char16_t>(unit));
         return result;
     }
-
-private:
-    std::span<const std::uint8_t> bytes_;
-    std::size_t place_ = 0;
 };
 
 ResourceName upper_name(ResourceName name) {
@@ -144,10 +123,7 @@ std::u16string read_block_string(std::span<const std::uint8_t> block, unsigned i
     Reader reader(block);
     for (unsigned passed = 0; passed < index; ++passed)
         reader.take(std::size_t{2} * reader.word());
-    std::u16string text(reader.word(), u'\0');
-    for (char16_t& unit : text)
-        unit = static_cast<char16_t>(reader.word());
-    return text;
+    return reader.text(reader.word());
 }
 
 DialogTemplate read_dialog_template(std::span<const std::uint8_t> data) {

@@ -3,12 +3,11 @@
 #include "calls/run/session.h"
 #include "calls/system/locale_state.h"
 #include "machine/text.h"
+#include "machine/whole_file.h"
 
 #include <windows.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 
 namespace platform {
 namespace {
@@ -19,12 +18,11 @@ constexpr std::uint16_t cursor_group_resource = 12;
 
 std::vector<ResourceEntry> load_entries() {
     const std::filesystem::path& path = session().options.resources;
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
-        session().gate.refuse("the resource file '" + path.string() + "' can't be opened");
-    const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(file), {}};
+    const auto bytes = read_whole_file(path);
+    if (!bytes)
+        session().gate.refuse("the resource file '" + path.string() + "' can't be read");
     try {
-        return read_resource_file(bytes);
+        return read_resource_file({reinterpret_cast<const std::uint8_t*>(bytes->data()), bytes->size()});
     } catch (const ResourceError& error) {
         session().gate.refuse("the resource file '" + path.string() + "': " + error.what());
     }
@@ -152,14 +150,4 @@ HICON LoadIconW(HINSTANCE instance, LPCWSTR name) {
     if (call.fails(ERROR_RESOURCE_NAME_NOT_FOUND))
         return nullptr;
     return load_shared_image<HICON>(instance, icon_group_resource, resource_name(name));
-}
-
-HANDLE LoadImageW(HINSTANCE instance, LPCWSTR name, UINT type, int, int, UINT) {
-    Call call("LoadImageW", shown_name(name));
-    if (call.fails(ERROR_RESOURCE_NAME_NOT_FOUND))
-        return nullptr;
-    if (type != IMAGE_BITMAP && type != IMAGE_ICON)
-        call.refuse("only pictures and icons are modelled");
-    return load_shared_image<HANDLE>(instance, type == IMAGE_BITMAP ? bitmap_resource : icon_group_resource,
-                                     resource_name(name));
 }

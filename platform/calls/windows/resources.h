@@ -10,7 +10,6 @@
 
 namespace platform {
 
-constexpr std::uint16_t bitmap_resource = 2;
 constexpr std::uint16_t dialog_resource = 5;
 constexpr std::uint16_t string_resource = 6;
 constexpr std::uint16_t icon_group_resource = 14;

@@ -1,0 +1,66 @@
+#include "machine/little_endian.h"
+
+#include <algorithm>
+
+namespace platform {
+namespace {
+
+std::span<const std::uint8_t> bytes_of(std::string_view text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+} // namespace
+
+std::vector<std::uint8_t> utf16_bytes(std::u16string_view text) {
+    std::vector<std::uint8_t> bytes;
+    bytes.reserve(2 * text.size());
+    for (const char16_t unit : text) {
+        bytes.push_back(static_cast<std::uint8_t>(unit & 0xFF));
+        bytes.push_back(static_cast<std::uint8_t>(unit >> 8));
+    }
+    return bytes;
+}
+
+std::u16string utf16_text(std::span<const std::uint8_t> bytes) {
+    std::u16string text(bytes.size() / 2, u'\0');
+    for (std::size_t i = 0; i < text.size(); ++i)
+        text[i] = static_cast<char16_t>(bytes[2 * i] | (bytes[2 * i + 1] << 8));
+    return text;
+}
+
+std::u16string utf16_text(std::string_view bytes) {
+    return utf16_text(bytes_of(bytes));
+}
+
+ByteReader::ByteReader(std::string_view bytes) : bytes_(bytes_of(bytes)) {}
+
+std::span<const std::uint8_t> ByteReader::take(std::size_t count) {
+    if (count > left()) {
+        if (too_short_ != nullptr)
+            too_short_(bytes_.size(), place_, count);
+        short_ = true;
+        return {};
+    }
+    place_ += count;
+    return bytes_.subspan(place_ - count, count);
+}
+
+std::uint32_t ByteReader::number(unsigned bytes) {
+    std::uint32_t value = 0;
+    unsigned shift = 0;
+    for (const std::uint8_t byte : take(bytes)) {
+        value |= std::uint32_t{byte} << shift;
+        shift += 8;
+    }
+    return value;
+}
+
+std::u16string ByteReader::text(std::size_t characters) {
+    return utf16_text(take(2 * characters));
+}
+
+void ByteReader::align(std::size_t boundary) {
+    place_ = std::min((place_ + boundary - 1) / boundary * boundary, bytes_.size());
+}
+
+} // namespace platform
