@@ -1,12 +1,10 @@
 // What only the system's own libraries ask for: honest failures, each with a note.
-#include "stand_in.h"
-
-using stand_in::Call;
+#include "spooler_calls/spooler_call.h"
 
 namespace {
 
 BOOL refused(const char* name) {
-    return Call(name, "").refuse("isn't modelled");
+    return platform::SpoolerCall(name).refuse("isn't modelled");
 }
 
 } // namespace

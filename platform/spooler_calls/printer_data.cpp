@@ -1,27 +1,23 @@
 // Printer data: values under a queue's keys. The results are error codes.
 #include "machine/printer_data.h"
 
-#include "stand_in.h"
+#include "machine/little_endian.h"
+#include "spooler_calls/spooler_call.h"
 
-using stand_in::ansi_text;
-using stand_in::Call;
-using stand_in::model_text;
-using stand_in::shown;
+#include <cstring>
+
+using platform::from_ansi;
+using platform::model_text;
+using platform::shown_text;
+using platform::SpoolerCall;
 
 namespace {
 
-std::vector<std::uint8_t> text_bytes(std::u16string_view text) {
-    std::vector<std::uint8_t> bytes(text.size() * sizeof(char16_t));
-    if (!bytes.empty())
-        std::memcpy(bytes.data(), text.data(), bytes.size());
-    return bytes;
-}
-
 std::string shown_ansi(const char* text) {
-    return text == nullptr ? "(null)" : platform::to_utf8(ansi_text(text));
+    return text == nullptr ? "(null)" : platform::to_utf8(from_ansi(text));
 }
 
-DWORD set_value(Call& call, HANDLE printer, std::u16string_view key, std::u16string_view name,
+DWORD set_value(SpoolerCall& call, HANDLE printer, std::u16string_view key, std::u16string_view name,
                 platform::PrinterDataValue value) {
     if (call.spooler_away())
         return call.error();
@@ -40,23 +36,22 @@ std::u16string joined(const std::vector<std::u16string>& names) {
     return text;
 }
 
-DWORD give(Call& call, const void* data, std::size_t size, void* buffer, DWORD capacity, DWORD* needed) {
+DWORD give(const void* data, std::size_t size, void* buffer, DWORD capacity, DWORD* needed) {
     *needed = static_cast<DWORD>(size);
     if (capacity < size) {
         if (capacity != 0)
             std::memset(buffer, 0xCD, capacity);
-        call.fail(ERROR_MORE_DATA);
-    } else if (size != 0) {
-        std::memcpy(buffer, data, size);
+        return ERROR_MORE_DATA;
     }
-    return call.error();
+    if (size != 0)
+        std::memcpy(buffer, data, size);
+    return ERROR_SUCCESS;
 }
 
 } // namespace
 
-extern "C" DWORD WINAPI EnumPrinterKeyW(HANDLE printer, LPCWSTR key, LPWSTR subkeys, DWORD size,
-                                        LPDWORD needed) {
-    Call call("EnumPrinterKeyW", shown(key));
+DWORD WINAPI EnumPrinterKeyW(HANDLE printer, LPCWSTR key, LPWSTR subkeys, DWORD size, LPDWORD needed) {
+    SpoolerCall call("EnumPrinterKeyW", shown_text(key));
     if (call.fails(ERROR_FILE_NOT_FOUND))
         return call.error();
     if (key == nullptr || needed == nullptr || (subkeys == nullptr && size != 0))
@@ -74,38 +69,28 @@ extern "C" DWORD WINAPI EnumPrinterKeyW(HANDLE printer, LPCWSTR key, LPWSTR subk
     if (names->empty() && size < sizeof(WCHAR))
         return ERROR_SUCCESS;
     const std::u16string text = joined(*names);
-    return give(call, text.data(), text.size() * sizeof(WCHAR), subkeys, size, needed);
-}
-
-extern "C" DWORD WINAPI SetPrinterDataExW(HANDLE printer, LPCWSTR key, LPCWSTR value, DWORD type, LPBYTE data,
-                                          DWORD size) {
-    Call call("SetPrinterDataExW", shown(key) + " " + shown(value));
-    if (call.fails(ERROR_ACCESS_DENIED))
-        return call.error();
-    if (key == nullptr || value == nullptr || (data == nullptr && size != 0))
-        return ERROR_INVALID_PARAMETER;
-    return set_value(call, printer, model_text(key), model_text(value), {type, {data, data + size}});
+    return give(text.data(), text.size() * sizeof(WCHAR), subkeys, size, needed);
 }
 
 // Names and texts come in the ANSI code page; the queue keeps 16-bit text.
-extern "C" DWORD WINAPI SetPrinterDataExA(HANDLE printer, LPCSTR key, LPCSTR value, DWORD type, LPBYTE data,
-                                          DWORD size) {
-    Call call("SetPrinterDataExA", shown_ansi(key) + " " + shown_ansi(value));
+DWORD WINAPI SetPrinterDataExA(HANDLE printer, LPCSTR key, LPCSTR value, DWORD type, LPBYTE data,
+                               DWORD size) {
+    SpoolerCall call("SetPrinterDataExA", shown_ansi(key) + " " + shown_ansi(value));
     if (call.fails(ERROR_ACCESS_DENIED))
         return call.error();
     if (key == nullptr || value == nullptr || (data == nullptr && size != 0))
         return ERROR_INVALID_PARAMETER;
     platform::PrinterDataValue kept{type, {}};
     if (platform::is_text_type(type))
-        kept.data = text_bytes(ansi_text({reinterpret_cast<const char*>(data), size}));
+        kept.data = platform::utf16_bytes(from_ansi({reinterpret_cast<const char*>(data), size}));
     else
         kept.data.assign(data, data + size);
-    return set_value(call, printer, ansi_text(key), ansi_text(value), std::move(kept));
+    return set_value(call, printer, from_ansi(key), from_ansi(value), std::move(kept));
 }
 
-extern "C" DWORD WINAPI GetPrinterDataExW(HANDLE printer, LPCWSTR key, LPCWSTR value, LPDWORD type,
-                                          LPBYTE data, DWORD size, LPDWORD needed) {
-    Call call("GetPrinterDataExW", shown(key) + " " + shown(value));
+DWORD WINAPI GetPrinterDataExW(HANDLE printer, LPCWSTR key, LPCWSTR value, LPDWORD type, LPBYTE data,
+                               DWORD size, LPDWORD needed) {
+    SpoolerCall call("GetPrinterDataExW", shown_text(key) + " " + shown_text(value));
     if (call.fails(ERROR_FILE_NOT_FOUND))
         return call.error();
     if (key == nullptr || value == nullptr || needed == nullptr || (data == nullptr && size != 0))
@@ -121,5 +106,5 @@ extern "C" DWORD WINAPI GetPrinterDataExW(HANDLE printer, LPCWSTR key, LPCWSTR v
         return ERROR_FILE_NOT_FOUND;
     if (type != nullptr)
         *type = found->type;
-    return give(call, found->data.data(), found->data.size(), data, size, needed);
+    return give(found->data.data(), found->data.size(), data, size, needed);
 }
