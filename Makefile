@@ -1,7 +1,7 @@
 # Two commands do everything on a fresh Debian 12: `make run` and `make test`. CMake presets stand behind them.
 JOBS ?= $(shell nproc)
 
-.PHONY: help run test wine wine32 screenshots times lint tsan windows linux install package try-package sign packages pictures catalogue format clean
+.PHONY: help run test wine wine32 screenshots times lint tsan windows linux install package try-package sign packages pictures catalogue best_fit format clean
 .DEFAULT_GOAL := help
 
 help:
@@ -22,6 +22,7 @@ help:
 	@echo "make format   bring the sources into the project's layout"
 	@echo "make pictures draw the icon and the banner again"
 	@echo "make catalogue sign the sample's driver package again, after a change to its files"
+	@echo "make best_fit hold the layer's table of best fits against the code-page files that Wine brings"
 	@echo "make packages install what the build needs from Debian's packages"
 	@echo "make clean    remove build/ and dist/"
 
@@ -117,6 +118,16 @@ catalogue: packages
 	@cmake --preset linux >/dev/null
 	@cmake --build --preset linux --target make_catalogue
 	@build/linux/tools/make_catalogue samples/medium/Drivers lbl.cat
+
+# WRITE=1 puts what was made in the table's place.
+BEST_FIT := platform/calls/text/best_fit_table.cpp
+best_fit:
+	@cmake/install_packages.sh debian-packages-wine.txt
+	@mkdir -p build
+	@$(CXX) -std=c++20 -O1 tools/best_fit_table.cpp -o build/best_fit_table
+	@build/best_fit_table /usr/share/wine/nls > build/best_fit_table.txt
+	@$(if $(WRITE),cp build/best_fit_table.txt $(BEST_FIT))
+	@cmp build/best_fit_table.txt $(BEST_FIT) && echo "the table of best fits is as the code-page files have it"
 
 format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
