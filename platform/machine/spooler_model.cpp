@@ -50,6 +50,11 @@ PrintPort* find_port(SpoolerState& state, std::u16string_view name) {
     return find_named(state.ports, name);
 }
 
+bool is_local(const PrintQueue& queue) {
+    constexpr std::uint32_t network_connection = 0x10; // PRINTER_ATTRIBUTE_NETWORK
+    return (queue.attributes & network_connection) == 0;
+}
+
 bool valid_queue_name(std::u16string_view name) {
     return !name.empty() && name.size() <= longest_queue_name && name.find_first_of(u"\\,!") == name.npos;
 }

@@ -51,6 +51,9 @@ PrintQueue* find_queue(SpoolerState& state, std::u16string_view name);
 PortMonitor* find_monitor(SpoolerState& state, std::u16string_view name);
 PrintPort* find_port(SpoolerState& state, std::u16string_view name);
 
+// Whether the queue is this machine's own: not a connection to another's (attribute network, 16).
+bool is_local(const PrintQueue& queue);
+
 // Names have 1 to 220 characters, none of them a backslash, comma or exclamation mark.
 bool valid_queue_name(std::u16string_view name);
 bool known_datatype(std::u16string_view datatype);

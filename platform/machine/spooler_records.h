@@ -73,12 +73,14 @@ RecordBuffer<Record> monitor_records(const std::vector<PortMonitor>& monitors) {
     return records;
 }
 
-// PRINTER_INFO_1W.
+// PRINTER_INFO_1W of the local queues.
 template<class Record>
 RecordBuffer<Record> brief_queue_records(const std::vector<PrintQueue>& queues) {
     constexpr std::uint32_t printer_icon = 0x00800000; // PRINTER_ENUM_ICON8
     RecordBuffer<Record> records;
     for (const PrintQueue& queue : queues) {
+        if (!is_local(queue))
+            continue;
         records.add().Flags = printer_icon;
         records.text(&Record::pDescription, queue.name + u"," + queue.driver + u",");
         records.text(&Record::pName, queue.name);
@@ -87,13 +89,15 @@ RecordBuffer<Record> brief_queue_records(const std::vector<PrintQueue>& queues) 
     return records;
 }
 
-// PRINTER_INFO_2W. No server, device mode or security descriptor: those fields stay null.
+// PRINTER_INFO_2W of the local queues. No server, device mode or security descriptor: those fields stay null.
 template<class Record>
 RecordBuffer<Record> queue_records(const std::vector<PrintQueue>& queues) {
     constexpr std::uint32_t pending_deletion = 4; // PRINTER_STATUS_PENDING_DELETION
     constexpr std::uint32_t lowest_priority = 1;  // what a queue added with priority 0 gets
     RecordBuffer<Record> records;
     for (const PrintQueue& queue : queues) {
+        if (!is_local(queue))
+            continue;
         Record& record = records.add();
         record.Attributes = queue.attributes;
         record.Priority = lowest_priority;

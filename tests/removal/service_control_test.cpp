@@ -79,6 +79,7 @@ TEST_F(Services, AreStoppedWithinTheirLimit) {
          {{running}},
          {{stopping, 0, 10000}},
          {no_dependents, "Wait timed out\n", 40000}},
+        {"no hint, for ever", {{running}}, {{stopping}}, {no_dependents, "Wait timed out\n", 30001}},
         {"short hint while pending",
          {{stopping, 1500, 50}, {stopped}},
          {},

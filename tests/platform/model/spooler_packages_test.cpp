@@ -136,6 +136,26 @@ TEST_F(Packages, AreRefusedForAReason) {
     EXPECT_EQ(store_folders().size(), 1u);
 }
 
+// A fault's error is a plain code or a result; S_FALSE is a success to those who test the sign alone.
+TEST_F(Packages, FaultsAreResultsOfBothKinds) {
+    const struct {
+        std::uint32_t error, result;
+    } cases[] = {{5, 0x80070005}, {0x80004005, 0x80004005}, {1, 1}};
+    for (const char* call :
+         {"UploadPrinterDriverPackageW", "InstallPrinterDriverFromPackageW", "DeletePrinterDriverPackageW"})
+        for (const auto& row : cases)
+            test.machine.faults.push_back({call, 1, false, row.error, ""}); // counted from the one before
+    test.start();
+    for (const auto& row : cases) {
+        std::u16string stored;
+        const auto expected = static_cast<HRESULT>(row.result);
+        EXPECT_EQ(upload(medium_inf, stored), expected);
+        EXPECT_EQ(InstallPrinterDriverFromPackageW(nullptr, medium_inf, TEXT("x"), nullptr, 0), expected);
+        EXPECT_EQ(DeletePrinterDriverPackageW(nullptr, medium_inf, nullptr), expected);
+    }
+    EXPECT_TRUE(store_folders().empty());
+}
+
 TEST_F(Packages, MayBeUtf16) {
     std::string wide = "\xFF\xFE";
     for (const char byte : inf) // this code page's letters have their Latin-1 numbers

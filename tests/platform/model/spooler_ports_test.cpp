@@ -109,6 +109,26 @@ TEST_F(SpoolerState, QueuesMayResistRemoval) {
     EXPECT_EQ(test.machine.spooler.default_printer, u"locked");
 }
 
+TEST_F(SpoolerState, AConnectionToAnotherMachinesQueueIsNotLocal) {
+    platform::PrintQueue own, connection;
+    own.name = u"own";
+    own.attributes = PRINTER_ATTRIBUTE_LOCAL;
+    connection.name = u"\\\\server\\label";
+    connection.attributes = 0x10; // PRINTER_ATTRIBUTE_NETWORK
+    test.machine.spooler.queues = {connection, own};
+    test.start();
+    for (const DWORD level : {1u, 2u}) {
+        std::vector<BYTE> records(2000);
+        DWORD needed = 0, count = 0;
+        ASSERT_TRUE(EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, level, records.data(), 2000, &needed, &count));
+        EXPECT_EQ(count, 1u) << level;
+        if (level == 2) {
+            EXPECT_EQ(std::u16string(reinterpret_cast<PRINTER_INFO_2W*>(records.data())->pPrinterName),
+                      u"own");
+        }
+    }
+}
+
 TEST_F(SpoolerState, NothingIsAnsweredWhileTheServiceIsStopped) {
     test.machine.services[0].now = {{SERVICE_STOP_PENDING, 1000}, {SERVICE_STOPPED, 1000}, {SERVICE_RUNNING}};
     platform::Session& session = test.start();
