@@ -27,11 +27,8 @@
 #define TRUNCATE_EXISTING 5
 
 #define FILE_ATTRIBUTE_READONLY 0x00000001
-#define FILE_ATTRIBUTE_HIDDEN 0x00000002
-#define FILE_ATTRIBUTE_SYSTEM 0x00000004
 #define FILE_ATTRIBUTE_DIRECTORY 0x00000010
 #define FILE_ATTRIBUTE_ARCHIVE 0x00000020
-#define FILE_ATTRIBUTE_DEVICE 0x00000040
 #define FILE_ATTRIBUTE_NORMAL 0x00000080
 #define FILE_ATTRIBUTE_REPARSE_POINT 0x00000400
 #define FILE_FLAG_BACKUP_SEMANTICS 0x02000000
@@ -53,15 +50,6 @@ struct SECURITY_ATTRIBUTES {
     BOOL bInheritHandle;
 };
 using LPSECURITY_ATTRIBUTES = SECURITY_ATTRIBUTES*;
-
-union LARGE_INTEGER {
-    struct Parts {
-        DWORD LowPart;
-        LONG HighPart;
-    } u;
-    LONGLONG QuadPart;
-};
-using PLARGE_INTEGER = LARGE_INTEGER*;
 
 struct OVERLAPPED; // asynchronous work isn't modelled: pass null
 using LPOVERLAPPED = OVERLAPPED*;
@@ -106,7 +94,6 @@ BOOL WINAPI WriteFile(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD written, L
 BOOL WINAPI FlushFileBuffers(HANDLE file);
 DWORD WINAPI SetFilePointer(HANDLE file, LONG low, PLONG high, DWORD origin);
 DWORD WINAPI GetFileSize(HANDLE file, LPDWORD high);
-BOOL WINAPI GetFileSizeEx(HANDLE file, PLARGE_INTEGER size);
 DWORD WINAPI GetFileType(HANDLE file);
 BOOL WINAPI GetFileInformationByHandle(HANDLE file, LPBY_HANDLE_FILE_INFORMATION information);
 // As GetCurrentDirectoryW; the path has the form "\\?\C:\Folder\File", every link followed.

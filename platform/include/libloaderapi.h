@@ -7,10 +7,7 @@
 // case alike, with or without ".dll"; what isn't known gives null and ERROR_MOD_NOT_FOUND.
 HMODULE WINAPI GetModuleHandleW(LPCWSTR name);
 HMODULE WINAPI LoadLibraryW(LPCWSTR name);
-BOOL WINAPI FreeLibrary(HMODULE module);
 FARPROC WINAPI GetProcAddress(HMODULE module, LPCSTR name);
 
 // The length without terminator; a path that doesn't fit is cut, and the result is then the size.
 DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size);
-
-#define LOAD_LIBRARY_SEARCH_SYSTEM32 0x00000800

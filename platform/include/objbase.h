@@ -13,5 +13,4 @@ void WINAPI CoUninitialize();
 HRESULT WINAPI CoCreateInstance(REFCLSID class_id, LPUNKNOWN outer, DWORD context, REFIID interface_id,
                                 LPVOID* object);
 
-LPVOID WINAPI CoTaskMemAlloc(SIZE_T bytes);
 void WINAPI CoTaskMemFree(LPVOID block); // null is accepted

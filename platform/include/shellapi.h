@@ -6,13 +6,10 @@
 #define FO_MOVE 0x1
 #define FO_COPY 0x2
 #define FO_DELETE 0x3
-#define FO_RENAME 0x4
 
 #define FOF_SILENT 0x4
 #define FOF_NOCONFIRMATION 0x10
-#define FOF_ALLOWUNDO 0x40
 #define FOF_FILESONLY 0x80
-#define FOF_NOCONFIRMMKDIR 0x200
 #define FOF_NOERRORUI 0x400
 #define FOF_NORECURSION 0x1000
 

@@ -18,14 +18,10 @@ void WINAPI SetLastError(DWORD code);
 BOOL WINAPI CloseHandle(HANDLE handle);
 
 #define HEAP_ZERO_MEMORY 0x00000008
-#define LMEM_FIXED 0x0000
-#define LMEM_ZEROINIT 0x0040
-#define LPTR (LMEM_FIXED | LMEM_ZEROINIT)
 
 HANDLE WINAPI GetProcessHeap();
 LPVOID WINAPI HeapAlloc(HANDLE heap, DWORD flags, SIZE_T bytes);
 BOOL WINAPI HeapFree(HANDLE heap, DWORD flags, LPVOID block);
-HLOCAL WINAPI LocalAlloc(UINT flags, SIZE_T bytes);
 HLOCAL WINAPI LocalFree(HLOCAL block); // null on success
 
 #define FORMAT_MESSAGE_ALLOCATE_BUFFER 0x00000100

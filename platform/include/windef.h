@@ -7,7 +7,6 @@
 
 #define WINAPI
 #define CALLBACK
-#define APIENTRY
 #define STDMETHODCALLTYPE
 #define __cdecl
 #define TEXT(text) u##text
@@ -20,15 +19,12 @@ using UINT = unsigned int;
 using INT = int;
 using LONG = int;
 using ULONG = unsigned int;
-using SHORT = short;
 using USHORT = unsigned short;
 using ULONGLONG = unsigned long long;
 using DWORDLONG = unsigned long long;
 using LONGLONG = long long;
-using CHAR = char;
 using UCHAR = unsigned char;
 using WCHAR = char16_t;
-using ATOM = WORD;
 using LANGID = WORD;
 using LCID = DWORD;
 using LCTYPE = DWORD;
@@ -54,16 +50,12 @@ using LPBYTE = BYTE*;
 using PBYTE = BYTE*;
 using LPBOOL = BOOL*;
 using PBOOL = BOOL*;
-using LPWORD = WORD*;
 using LPDWORD = DWORD*;
 using PDWORD = DWORD*;
 using PULONG = ULONG*;
-using LPLONG = LONG*;
 using PLONG = LONG*;
 using LPSTR = char*;
-using PSTR = char*;
 using LPCSTR = const char*;
-using PCSTR = const char*;
 using LPWSTR = WCHAR*;
 using PWSTR = WCHAR*;
 using LPCWSTR = const WCHAR*;
@@ -89,15 +81,12 @@ DECLARE_HANDLE(HBRUSH);
 DECLARE_HANDLE(SC_HANDLE);
 using HMODULE = HINSTANCE;
 using HCURSOR = HICON;
-using HGLOBAL = HANDLE;
 using HLOCAL = HANDLE;
-using PHANDLE = HANDLE*;
 using LPHANDLE = HANDLE*;
 using PHKEY = HKEY*;
 
 using FARPROC = INT_PTR (*)();
 using DLGPROC = INT_PTR (*)(HWND, UINT, WPARAM, LPARAM);
-using WNDPROC = LRESULT (*)(HWND, UINT, WPARAM, LPARAM);
 
 #define FALSE 0
 #define TRUE 1
@@ -105,14 +94,11 @@ using WNDPROC = LRESULT (*)(HWND, UINT, WPARAM, LPARAM);
 
 #define LOWORD(value) (static_cast<WORD>(static_cast<DWORD_PTR>(value) & 0xffff))
 #define HIWORD(value) (static_cast<WORD>((static_cast<DWORD_PTR>(value) >> 16) & 0xffff))
-#define MAKEWORD(low, high)                                                                                  \
-    (static_cast<WORD>(static_cast<BYTE>(low) | (static_cast<WORD>(static_cast<BYTE>(high)) << 8)))
 #define MAKEWPARAM(low, high)                                                                                \
     (static_cast<WPARAM>(static_cast<DWORD>(static_cast<WORD>(low)) |                                        \
                          (static_cast<DWORD>(static_cast<WORD>(high)) << 16)))
 #define MAKELPARAM(low, high) (static_cast<LPARAM>(MAKEWPARAM(low, high)))
 #define MAKEINTRESOURCEW(id) (reinterpret_cast<LPWSTR>(static_cast<ULONG_PTR>(static_cast<WORD>(id))))
-#define MAKEINTRESOURCE MAKEINTRESOURCEW
 
 struct RECT {
     LONG left;
@@ -126,7 +112,6 @@ struct POINT {
     LONG x;
     LONG y;
 };
-using LPPOINT = POINT*;
 
 struct FILETIME {
     DWORD dwLowDateTime;

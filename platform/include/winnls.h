@@ -23,7 +23,6 @@ UINT WINAPI GetACP();
 #define LOCALE_USER_DEFAULT 0x0400
 #define LOCALE_SABBREVLANGNAME 0x00000003
 
-#define LANG_NEUTRAL 0x00
 #define LANG_CHINESE 0x04
 #define LANG_GERMAN 0x07
 #define LANG_ENGLISH 0x09
@@ -41,6 +40,5 @@ UINT WINAPI GetACP();
 
 // The characters written with the terminator, or 0.
 int WINAPI GetLocaleInfoW(LCID locale, LCTYPE type, LPWSTR data, int size);
-LANGID WINAPI GetUserDefaultUILanguage();
 LANGID WINAPI SetThreadUILanguage(LANGID language);
 LANGID WINAPI GetThreadUILanguage();

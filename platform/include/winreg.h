@@ -10,10 +10,8 @@
 #define KEY_QUERY_VALUE 0x0001
 #define KEY_READ 0x20019
 
-#define REG_NONE 0
 #define REG_SZ 1
 #define REG_EXPAND_SZ 2
-#define REG_BINARY 3
 #define REG_DWORD 4
 
 // Both results are error codes. A value is given as it is stored: a text may lack its terminator.

@@ -19,19 +19,12 @@ constexpr SOCKET INVALID_SOCKET = ~static_cast<SOCKET>(0);
 #define SO_RCVTIMEO 0x1006
 
 #define INADDR_ANY 0x00000000u
-#define INADDR_LOOPBACK 0x7f000001u
 #define INADDR_NONE 0xffffffffu
 
-#define WSAEINTR 10004
-#define WSAEACCES 10013
 #define WSAEFAULT 10014
 #define WSAEINVAL 10022
-#define WSAEWOULDBLOCK 10035
 #define WSAENOTSOCK 10038
 #define WSAEMSGSIZE 10040
-#define WSAENOPROTOOPT 10042
-#define WSAEPROTONOSUPPORT 10043
-#define WSAESOCKTNOSUPPORT 10044
 #define WSAEAFNOSUPPORT 10047
 #define WSAEADDRINUSE 10048
 #define WSAEADDRNOTAVAIL 10049
@@ -39,7 +32,6 @@ constexpr SOCKET INVALID_SOCKET = ~static_cast<SOCKET>(0);
 #define WSAENETUNREACH 10051
 #define WSAENOBUFS 10055
 #define WSAETIMEDOUT 10060
-#define WSAEHOSTUNREACH 10065
 #define WSAVERNOTSUPPORTED 10092
 #define WSANOTINITIALISED 10093
 #define WSASYSNOTREADY 10091
@@ -71,13 +63,11 @@ struct in_addr {
     } S_un;
 };
 #define s_addr S_un.S_addr
-using IN_ADDR = in_addr;
 
 struct sockaddr {
     USHORT sa_family;
     char sa_data[14];
 };
-using SOCKADDR = sockaddr;
 
 struct sockaddr_in {
     short sin_family;
@@ -85,7 +75,6 @@ struct sockaddr_in {
     in_addr sin_addr;
     char sin_zero[8];
 };
-using SOCKADDR_IN = sockaddr_in;
 
 int WSAStartup(WORD version, LPWSADATA data);
 int WSACleanup();

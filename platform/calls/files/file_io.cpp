@@ -14,12 +14,13 @@ using platform::File;
 using platform::file_behind;
 using platform::session;
 
-// The file behind the handle, or null and the last error.
 // The size by the file's facts: false and the last error when there are none.
 bool size_of(const File& file, std::uint64_t& size) {
     struct stat facts;
-    if (file.descriptor >= 0 && fstat(file.descriptor, &facts) != 0)
-        return failed(platform::error_of(errno)) == TRUE;
+    if (file.descriptor >= 0 && fstat(file.descriptor, &facts) != 0) {
+        failed(platform::error_of(errno));
+        return false;
+    }
     size = file.descriptor < 0 || file.folder ? 0 : static_cast<std::uint64_t>(facts.st_size);
     return true;
 }
@@ -152,16 +153,4 @@ DWORD GetFileSize(HANDLE handle, LPDWORD high) {
     if (static_cast<DWORD>(size) == INVALID_FILE_SIZE)
         platform::set_last_error(ERROR_SUCCESS);
     return static_cast<DWORD>(size);
-}
-
-BOOL GetFileSizeEx(HANDLE handle, PLARGE_INTEGER out) {
-    platform::Call call("GetFileSizeEx", platform::shown_file(handle));
-    if (call.fails(ERROR_GEN_FAILURE))
-        return FALSE;
-    const auto file = file_behind(handle);
-    std::uint64_t size = 0;
-    if (!file || !size_of(*file, size))
-        return FALSE;
-    out->QuadPart = static_cast<LONGLONG>(size);
-    return TRUE;
 }

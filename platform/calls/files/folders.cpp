@@ -43,7 +43,7 @@ DWORD GetFileAttributesW(LPCWSTR path) {
     facts.st_mode = S_IFDIR;
     if (error == 0 && !place.real.empty() && lstat(place.real.c_str(), &facts) != 0)
         error = platform::error_of(errno);
-    return result(error) == TRUE ? platform::attributes_of(facts, place.folder) : INVALID_FILE_ATTRIBUTES;
+    return result(error) ? platform::attributes_of(facts, place.folder) : INVALID_FILE_ATTRIBUTES;
 }
 
 BOOL DeleteFileW(LPCWSTR path) {

@@ -2,9 +2,9 @@
 
 #include <windows.h>
 
-// Blocks of the process heap and of the older local heap, both noted in the session's ledger. Giving back
-// can't be made to fail: no program can do anything about it, and the ledger would only show what was asked
-// for.
+// Blocks of the process heap, and those of the older local heap that other calls give out, all noted in the
+// session's ledger. Giving back can't be made to fail: no program can do anything about it, and the ledger
+// would only show what was asked for.
 namespace {
 
 constexpr SIZE_T largest_block = SIZE_T{1}
@@ -13,16 +13,6 @@ constexpr SIZE_T largest_block = SIZE_T{1}
 // A value that no handle of the table has: those are multiples of four.
 HANDLE process_heap() {
     return reinterpret_cast<HANDLE>(std::uintptr_t{0x10001});
-}
-
-void* allocate(platform::Call& call, SIZE_T bytes, const char* allocator, bool zeroed) {
-    if (call.fails(ERROR_NOT_ENOUGH_MEMORY))
-        return nullptr;
-    void* block =
-        bytes > largest_block ? nullptr : platform::session().memory.allocate(bytes, allocator, zeroed);
-    if (block == nullptr)
-        platform::set_last_error(ERROR_NOT_ENOUGH_MEMORY);
-    return block;
 }
 
 } // namespace
@@ -38,7 +28,14 @@ LPVOID HeapAlloc(HANDLE heap, DWORD flags, SIZE_T bytes) {
         call.refuse("only the process heap is there");
     if ((flags & ~DWORD{HEAP_ZERO_MEMORY}) != 0)
         call.refuse("flags " + std::to_string(flags));
-    return allocate(call, bytes, "HeapAlloc", (flags & HEAP_ZERO_MEMORY) != 0);
+    if (call.fails(ERROR_NOT_ENOUGH_MEMORY))
+        return nullptr;
+    const bool zeroed = (flags & HEAP_ZERO_MEMORY) != 0;
+    void* const block =
+        bytes > largest_block ? nullptr : platform::session().memory.allocate(bytes, "HeapAlloc", zeroed);
+    if (block == nullptr)
+        platform::set_last_error(ERROR_NOT_ENOUGH_MEMORY);
+    return block;
 }
 
 BOOL HeapFree(HANDLE heap, DWORD flags, LPVOID block) {
@@ -49,13 +46,6 @@ BOOL HeapFree(HANDLE heap, DWORD flags, LPVOID block) {
         return TRUE;
     platform::set_last_error(ERROR_INVALID_PARAMETER);
     return FALSE;
-}
-
-HLOCAL LocalAlloc(UINT flags, SIZE_T bytes) {
-    platform::Call call("LocalAlloc", std::to_string(bytes));
-    if ((flags & ~UINT{LMEM_ZEROINIT}) != LMEM_FIXED)
-        call.refuse("flags " + std::to_string(flags));
-    return allocate(call, bytes, "LocalAlloc", (flags & LMEM_ZEROINIT) != 0);
 }
 
 HLOCAL LocalFree(HLOCAL block) {

@@ -79,13 +79,6 @@ HRESULT CoCreateInstance(REFCLSID class_id, LPUNKNOWN outer, DWORD context, REFI
     return platform::make_shell_link(interface_id, object);
 }
 
-LPVOID CoTaskMemAlloc(SIZE_T bytes) {
-    platform::Call call("CoTaskMemAlloc", std::to_string(bytes));
-    return call.fails(ERROR_OUTOFMEMORY)
-               ? nullptr
-               : platform::session().memory.allocate(bytes, "CoTaskMemAlloc", false);
-}
-
 void CoTaskMemFree(LPVOID block) {
     platform::Call call("CoTaskMemFree");
     platform::session().memory.release(block, "CoTaskMemAlloc");

@@ -124,15 +124,6 @@ HMODULE LoadLibraryW(LPCWSTR name) {
     return platform::find_library(name);
 }
 
-BOOL FreeLibrary(HMODULE module) {
-    platform::Call call("FreeLibrary");
-    if (platform::library_name(module) != nullptr)
-        return TRUE; // the program's own imports keep each of them loaded
-    platform::session().gate.misuse("FreeLibrary of what is no library");
-    platform::set_last_error(ERROR_MOD_NOT_FOUND);
-    return FALSE;
-}
-
 FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
     if (reinterpret_cast<std::uintptr_t>(name) <= 0xFFFF)
         platform::Call("GetProcAddress").refuse("a function by its number");

@@ -42,11 +42,6 @@ LANGID GetThreadUILanguage() {
     return platform::current_ui_language();
 }
 
-LANGID GetUserDefaultUILanguage() {
-    platform::Call call("GetUserDefaultUILanguage");
-    return platform::session().machine.ui_language;
-}
-
 int GetLocaleInfoW(LCID locale, LCTYPE type, LPWSTR data, int size) {
     platform::Call call("GetLocaleInfoW", std::to_string(type));
     if (call.fails(ERROR_INSUFFICIENT_BUFFER))

@@ -28,16 +28,10 @@ int column_width(const Window& list) {
     return list.column_width > 0 ? list.column_width : usual_column_width;
 }
 
-LRESULT insert_row(Window& list, WPARAM place, LPARAM lparam) {
+LRESULT add_row(Window& list, LPARAM lparam) {
     const auto* text = reinterpret_cast<const WCHAR*>(lparam);
-    const auto at_end = static_cast<WPARAM>(-1);
-    const WPARAM row = place == at_end ? list.rows.size() : place;
-    if (row > list.rows.size())
-        return LB_ERR;
-    list.rows.insert(list.rows.begin() + static_cast<std::ptrdiff_t>(row), text == nullptr ? u"" : text);
-    if (list.selected >= static_cast<int>(row))
-        ++list.selected;
-    return static_cast<LRESULT>(row);
+    list.rows.push_back(text == nullptr ? u"" : text);
+    return static_cast<LRESULT>(list.rows.size()) - 1;
 }
 
 // The number of rows left. Rows behind the deleted one move up, and the selection with them.
@@ -102,9 +96,7 @@ void on_release(HWND handle) {
 LRESULT on_list_message(Window& list, UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
     case LB_ADDSTRING:
-        return insert_row(list, list.rows.size(), lparam);
-    case LB_INSERTSTRING:
-        return insert_row(list, wparam, lparam);
+        return add_row(list, lparam);
     case LB_DELETESTRING:
         return delete_row(list, wparam);
     case LB_RESETCONTENT:
