@@ -169,9 +169,10 @@ std::uint32_t delete_package(SpoolerState& state, PackageFiles& files, std::u16s
     if (stored == state.packages.end())
         return file_not_found;
     const auto from_package = [&](const auto& driver) { return same_name(driver.inf_path, stored_path); };
-    if (stored->deny_delete ||
-        std::any_of(state.drivers.begin(), state.drivers.end(),
-                    [&](const auto& driver) { return from_package(driver) && in_use(state, driver); }))
+    const auto held = [&](const auto& driver) {
+        return from_package(driver) && (state.drivers_hold_packages || in_use(state, driver));
+    };
+    if (stored->deny_delete || std::any_of(state.drivers.begin(), state.drivers.end(), held))
         return result_of(spooler_error::package_in_use);
     if (!files.remove_folder(std::u16string(folder_of(stored->inf_path))))
         return access_denied;

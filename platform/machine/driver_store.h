@@ -47,8 +47,8 @@ std::uint32_t upload_package(SpoolerState& state, PackageFiles& files, const Upl
 std::uint32_t install_from_package(SpoolerState& state, PackageFiles& files, std::u16string_view stored_path,
                                    std::u16string_view driver_name, std::u16string_view environment);
 
-// Refused while a queue prints with a driver of the package. Otherwise the folder goes; drivers that came
-// from it stay registered.
+// Refused while a queue prints with a driver of the package, or, where drivers hold their packages, while one
+// is registered at all. Otherwise the folder goes; drivers that came from it stay registered.
 std::uint32_t delete_package(SpoolerState& state, PackageFiles& files, std::u16string_view stored_path,
                              std::u16string_view environment);
 

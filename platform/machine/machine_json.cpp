@@ -135,6 +135,7 @@ void fields(Archive& archive, SpoolerState& spooler) {
     archive("processors", spooler.processors);
     archive("packages", spooler.packages);
     archive("default_printer", spooler.default_printer);
+    archive("drivers_hold_packages", spooler.drivers_hold_packages);
 }
 
 template<class Archive>

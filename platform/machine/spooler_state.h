@@ -82,6 +82,7 @@ struct SpoolerState {
     std::vector<std::u16string> processors;
     std::vector<StoredPackage> packages;
     std::u16string default_printer;
+    bool drivers_hold_packages = false; // a package is in use already while a driver of it is registered
     bool operator==(const SpoolerState&) const = default;
 };
 

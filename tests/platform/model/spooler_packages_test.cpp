@@ -91,6 +91,10 @@ TEST_F(Packages, AreCopiedInstalledAndDeleted) {
               static_cast<HRESULT>(0x80070BC7u));
     EXPECT_EQ(store_folders().size(), 1u);
     spooler.queues.clear();
+    spooler.drivers_hold_packages = true;
+    EXPECT_EQ(DeletePrinterDriverPackageW(nullptr, stored.c_str(), nullptr),
+              static_cast<HRESULT>(0x80070BC7u));
+    spooler.drivers_hold_packages = false;
     EXPECT_EQ(DeletePrinterDriverPackageW(nullptr, stored.c_str(), nullptr), 0);
     EXPECT_TRUE(store_folders().empty());
     EXPECT_EQ(DeletePrinterDriverPackageW(nullptr, stored.c_str(), nullptr),
