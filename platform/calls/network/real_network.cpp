@@ -6,8 +6,10 @@
 #include <arpa/inet.h>
 #include <cerrno>
 #include <chrono>
+#include <climits>
 #include <fstream>
 #include <ifaddrs.h>
+#include <iterator>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sstream>
@@ -166,22 +168,19 @@ SocketError RealSocket::send(std::span<const std::uint8_t> bytes, const Endpoint
 SocketError RealSocket::receive(Datagram& datagram, const SocketOptions& options) {
     if (options.receive_timeout == 0)
         session().gate.refuse("a receive without time-out isn't modelled: it may never end");
-    // Waits in slices, so that a stopped run ends in here too.
-    constexpr std::int64_t slice = 50;
+    // A stopped run ends in here too.
     const SteadyClock::time_point end =
         SteadyClock::now() + std::chrono::milliseconds(options.receive_timeout);
-    pollfd waiting{descriptor_, POLLIN, 0};
-    for (int ready = 0; ready == 0;) {
+    pollfd waiting[] = {{descriptor_, POLLIN, 0}, {session().gate.stop_event(), POLLIN, 0}};
+    for (int ready = 0; ready <= 0 || waiting[0].revents == 0;) {
         if (session().gate.stopped())
             throw RunStopped(session().gate.stop_reason());
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - SteadyClock::now()).count();
-        const std::int64_t wait = std::clamp<std::int64_t>(left, 0, slice);
-        ready = poll(&waiting, 1, static_cast<int>(wait));
-        if (ready == 0 && left <= 0)
+        ready =
+            poll(waiting, std::size(waiting), static_cast<int>(std::clamp<std::int64_t>(left, 0, INT_MAX)));
+        if (ready == 0)
             return SocketError::timed_out;
-        if (ready < 0 && errno == EINTR)
-            ready = 0;
-        if (ready < 0)
+        if (ready < 0 && errno != EINTR)
             return from_errno(errno);
     }
     datagram.bytes.resize(largest_datagram);
