@@ -10,15 +10,15 @@ bool same_letter(char a, char b) {
     return fold(a) == fold(b);
 }
 
-bool contains(const std::string& text, const std::string& part) {
+bool contains(std::string_view text, std::string_view part) {
     return part.empty() ||
            std::search(text.begin(), text.end(), part.begin(), part.end(), same_letter) != text.end();
 }
 
 } // namespace
 
-const Fault* FaultCounts::due(const std::vector<Fault>& faults, const std::string& call,
-                              const std::string& argument) {
+const Fault* FaultCounts::due(const std::vector<Fault>& faults, std::string_view call,
+                              std::string_view argument) {
     for (std::size_t index = 0; index < faults.size(); ++index) {
         const Fault& fault = faults[index];
         if (fault.call != call || !contains(argument, fault.argument))

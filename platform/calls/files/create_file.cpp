@@ -130,6 +130,7 @@ HANDLE CreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTE
     file->link = place.link && wish.link_itself();
     file->folder = place.folder && !file->link;
     file->path = place.text;
+    file->shown_path = platform::to_utf8(place.text);
     if (disposition == OPEN_ALWAYS || disposition == CREATE_ALWAYS)
         platform::set_last_error(place.exists ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
     return session().handles.open(file);

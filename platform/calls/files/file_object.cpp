@@ -1,7 +1,6 @@
 #include "calls/files/file_object.h"
 
 #include "calls/run/session.h"
-#include "machine/text.h"
 
 #include <cerrno>
 #include <unistd.h>
@@ -75,9 +74,8 @@ FILETIME file_time(const struct timespec& time) {
     return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
 }
 
-std::string shown_file(const void* handle) {
-    const auto file = std::dynamic_pointer_cast<File>(session().handles.peek(handle));
-    return file ? to_utf8(file->path) : std::string();
+ShownFile shown_file(const void* handle) {
+    return ShownFile(session().handles.peek_as<File>(handle));
 }
 
 } // namespace platform

@@ -31,6 +31,7 @@ public:
     bool folder = false;
     bool link = false; // the link itself was opened
     std::u16string path;
+    std::string shown_path; // the same in UTF-8
 
     // Enters the file among the open ones: false when another opening forbids it.
     bool claim(std::uint32_t uses, std::uint32_t shares);
@@ -51,7 +52,15 @@ std::uint32_t error_of(int posix_error);
 std::uint32_t attributes_of(const struct stat& facts, bool leads_to_folder);
 FILETIME file_time(const struct timespec& time);
 
-// Journal text for a call with a handle: the file's path, or nothing.
-std::string shown_file(const void* handle);
+// Journal text for a call with a handle: the file's path, or nothing. It lasts as long as this does.
+class ShownFile {
+public:
+    explicit ShownFile(std::shared_ptr<File> file) : file_(std::move(file)) {}
+    operator std::string_view() const { return file_ ? file_->shown_path : std::string_view(); }
+
+private:
+    std::shared_ptr<File> file_;
+};
+ShownFile shown_file(const void* handle);
 
 } // namespace platform

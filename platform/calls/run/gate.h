@@ -6,11 +6,12 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
+#include <memory_resource>
 #include <mutex>
-#include <set>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace platform {
@@ -32,18 +33,25 @@ struct JournalEntry {
 class Gate {
 public:
     explicit Gate(const std::vector<Fault>& faults) : faults_(faults) {}
+    ~Gate();
+    Gate(const Gate&) = delete;
+    Gate& operator=(const Gate&) = delete;
 
-    // Counts and journals a call and gives its place in the journal. Throws RunStopped once the run is
-    // stopped.
-    std::size_t enter(const char* call, const std::string& argument);
+    // Counts and journals a call and gives its place in the journal; the argument is copied, the name must
+    // stay. Throws RunStopped once the run is stopped.
+    std::size_t enter(const char* call, std::string_view argument);
     // Whether a fault is due for the call at this place; the error is the fault's, else default_error.
     bool fails(std::size_t place, std::uint32_t default_error, std::uint32_t& error);
 
     // Stops the run: every later call of any thread throws. The first reason stays.
     void stop(const std::string& reason);
-    [[noreturn]] void refuse(const std::string& reason); // stop, and leave the present call
+    [[noreturn]] void refuse(const std::string& reason);                 // stop, and leave the present call
+    [[noreturn]] void refuse(std::size_t place, const std::string& why); // with the call that stands there
     bool stopped() const;
     std::string stop_reason() const;
+    // A descriptor that can be read from as soon as the run is stopped, for waits outside the run's own lock;
+    // -1 when the system has none left.
+    int stop_event();
 
     // Notes a use that the platform forbids (a second close, a wrong kind of handle, a freed block).
     void misuse(const std::string& what);
@@ -58,20 +66,36 @@ public:
 private:
     static constexpr std::size_t longest_run = 2'000'000; // calls; far above any run that ends by itself
 
+    // An entry as it is kept: calls come by the hundred thousand, so each of them allocates nothing of its
+    // own.
+    struct Entry {
+        std::string_view call;
+        std::string_view argument; // in arguments_
+        unsigned nth;
+        unsigned thread;
+        bool can_fail;
+        bool failed;
+    };
+    static JournalEntry shown(const Entry& entry);
+    void stop_locked(const std::string& reason);
+    std::string_view kept(std::string_view argument);
+
     const std::vector<Fault>& faults_;
     FaultCounts fault_counts_;
-    std::vector<JournalEntry> journal_;
-    std::map<std::string, unsigned> counts_;
+    std::vector<Entry> journal_;
+    std::pmr::monotonic_buffer_resource arguments_;
+    std::unordered_map<std::string_view, unsigned> counts_;
     std::vector<std::string> misuses_;
     std::string stop_reason_;
     bool stopped_ = false;
+    int stop_event_ = -1; // made when it is asked for
     mutable std::mutex mutex_;
 };
 
 // One call at the gate. Every function of platform/calls that stands for a platform call begins with one.
 class Call {
 public:
-    explicit Call(const char* name, std::string argument = {});
+    explicit Call(const char* name, std::string_view argument = {});
     // True when this call has to fail. It has then set the thread's last error to error(); a call whose
     // result is the code itself returns error().
     bool fails(std::uint32_t default_error);
@@ -79,8 +103,6 @@ public:
     [[noreturn]] void refuse(const std::string& why) const; // what the layer doesn't model
 
 private:
-    const char* name_;
-    std::string argument_;
     std::size_t place_;
     std::uint32_t error_ = 0;
 };

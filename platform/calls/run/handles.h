@@ -9,6 +9,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 namespace platform {
@@ -26,7 +27,12 @@ public:
     // The object of kind T behind a handle, else null. A closed or foreign handle is a misuse at the gate.
     template<class T>
     std::shared_ptr<T> find(const void* handle) {
-        return std::dynamic_pointer_cast<T>(find_object(handle, typeid(T).name()));
+        return as<T>(find_object(handle, typeid(T).name()));
+    }
+    // The same without a note when the handle isn't open.
+    template<class T>
+    std::shared_ptr<T> peek_as(const void* handle) const {
+        return as<T>(peek(handle));
     }
     // Takes the handle out; false, and a misuse, when it isn't open.
     bool close(const void* handle);
@@ -36,6 +42,13 @@ public:
     std::vector<std::string> open_kinds() const;   // what a test's end looks at
 
 private:
+    // Nearly always the object is of the very type, which is quickly seen.
+    template<class T>
+    static std::shared_ptr<T> as(std::shared_ptr<Object> object) {
+        if (object && typeid(*object) == typeid(T))
+            return std::static_pointer_cast<T>(std::move(object));
+        return std::dynamic_pointer_cast<T>(std::move(object));
+    }
     std::shared_ptr<Object> find_object(const void* handle, const char* wanted);
 
     mutable std::mutex mutex_;

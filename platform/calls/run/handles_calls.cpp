@@ -28,11 +28,12 @@ BOOL CloseHandle(HANDLE handle) {
 
 DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds) {
     platform::HandleTable& handles = platform::session().handles;
-    platform::Call call("WaitForSingleObject", handles.kind_of(handle));
+    const auto object = handles.peek(handle);
+    platform::Call call("WaitForSingleObject", object ? object->kind() : "no object");
     if (call.fails(ERROR_INVALID_HANDLE))
         return WAIT_FAILED;
-    const auto object = handles.find<platform::Object>(handle);
     if (!object) {
+        handles.find<platform::Object>(handle); // which notes it
         platform::set_last_error(ERROR_INVALID_HANDLE);
         return WAIT_FAILED;
     }

@@ -30,6 +30,11 @@ Session::~Session() {
     current = nullptr;
 }
 
+std::size_t Session::next_area_slot() {
+    static std::size_t next = 0; // before main, on one thread
+    return next++;
+}
+
 Session& session() {
     if (current == nullptr) {
         std::fputs("a platform call outside any session\n", stderr);

@@ -12,7 +12,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <typeindex>
+#include <vector>
 
 namespace platform {
 
@@ -45,7 +45,9 @@ public:
     template<class T>
     T& area() {
         const std::lock_guard lock(areas_mutex_);
-        auto& slot = areas_[std::type_index(typeid(T))];
+        if (areas_.size() <= area_slot<T>)
+            areas_.resize(area_slot<T> + 1);
+        auto& slot = areas_[area_slot<T>];
         if (!slot)
             slot = std::make_shared<T>();
         return *static_cast<T*>(slot.get());
@@ -55,8 +57,13 @@ public:
     void join_threads();
 
 private:
+    // Each type that any source asks for has a number, the same in every session.
+    static std::size_t next_area_slot();
+    template<class T>
+    static inline const std::size_t area_slot = next_area_slot();
+
     std::mutex areas_mutex_;
-    std::map<std::type_index, std::shared_ptr<void>> areas_;
+    std::vector<std::shared_ptr<void>> areas_;
 };
 
 // The current session; a call outside any session ends the process with a message.
