@@ -234,7 +234,9 @@ TEST_F(Ports, ConfigurationWithoutFolderKeepsTheMonitorsOwn) {
     ASSERT_EQ(add_port(TEXT("DRYX Port"), TEXT("P"), "10.0.0.7", TEXT("a"), TEXT("b"), 0), 1);
     EXPECT_NE(test.log().find("Get ProgramFiles failed -2147467259\r\n"), std::string::npos);
     const std::vector<std::uint8_t> untouched = platform::new_configuration(6168, u"P");
-    const std::vector<std::uint8_t>& sent = port(u"P")->configuration;
+    const auto* const made = port(u"P");
+    ASSERT_TRUE(made != nullptr && made->configuration.size() == untouched.size());
+    const std::vector<std::uint8_t>& sent = made->configuration;
     EXPECT_TRUE(std::equal(sent.begin() + 4116, sent.begin() + 5140, untouched.begin() + 4116));
 }
 
