@@ -240,7 +240,8 @@ int copyDirFiles(const WCHAR* source, const WCHAR* target) {
         operation.lpszProgressTitle = TEXT("");
         result = SHFileOperationW(&operation);
     }
-    if (result != 0 && result != ERROR_FILE_NOT_FOUND) // a pattern without files has nothing to copy
+    // A pattern without files has nothing to copy, nor has a folder that a medium doesn't have.
+    if (result != 0 && result != ERROR_FILE_NOT_FOUND && result != ERROR_PATH_NOT_FOUND)
         step_failed(source);
     release_bytes(from);
     release_bytes(to);
