@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 namespace fs = std::filesystem;
@@ -150,7 +149,9 @@ const std::string& Medium::bytes(const MediumEntry& file) const {
     if (known != bytes_.end())
         return known->second;
     std::ifstream stream(folder_ / file.path, std::ios::binary);
-    std::string read((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+    std::string read(file.size, '\0');
+    stream.read(read.data(), static_cast<std::streamsize>(read.size()));
+    read.resize(static_cast<std::size_t>(stream.gcount()));
     if (!file.is_file() || stream.bad() || !stream.is_open())
         throw std::runtime_error((folder_ / file.path).string() + ": can't be read");
     return bytes_.emplace(file.path, std::move(read)).first->second;

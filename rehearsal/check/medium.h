@@ -6,8 +6,10 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <typeindex>
 #include <vector>
 
 namespace rehearsal::check {
@@ -47,6 +49,15 @@ public:
     // else UTF-8 sequences where the line is UTF-8, else bytes.
     Place place(const MediumEntry& file, std::size_t offset) const;
 
+    // What several subjects read out of the medium is made once: by `make`, a routine from a Medium to a T.
+    template<class T, class Make>
+    const T& kept(Make make) const {
+        auto& slot = kept_[std::type_index(typeid(T))];
+        if (!slot)
+            slot = std::make_shared<T>(make(*this));
+        return *static_cast<const T*>(slot.get());
+    }
+
 private:
     void list(const std::filesystem::path& folder, const std::string& below, int depth);
 
@@ -54,6 +65,7 @@ private:
     std::vector<MediumEntry> entries_;
     std::map<std::string, std::size_t> by_folded_path_; // the first entry of that path in lower case
     mutable std::map<std::string, std::string> bytes_;
+    mutable std::map<std::type_index, std::shared_ptr<void>> kept_;
 };
 
 // Without regard to case, in UTF-8.

@@ -46,12 +46,15 @@ std::string_view nearest(std::string_view written, const std::vector<std::string
         return {};
     const std::string wanted = folded(written);
     std::string_view best;
-    std::size_t least = std::max<std::size_t>(wanted.size() / 3, 1) + 1;
+    std::size_t least = longest + 1;
     for (const std::string_view candidate : candidates) {
         if (candidate == written)
             return {};
-        const std::size_t distance = candidate.size() > longest ? least : edits(wanted, folded(candidate));
-        if (distance < least) {
+        if (candidate.size() > longest)
+            continue;
+        const std::size_t distance = edits(wanted, folded(candidate));
+        const std::size_t slip = std::max<std::size_t>(std::max(wanted.size(), candidate.size()) / 3, 1);
+        if (distance <= slip && distance < least) {
             least = distance;
             best = candidate;
         }

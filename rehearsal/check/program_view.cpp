@@ -7,8 +7,8 @@
 #include <windows.h>
 
 #include <fstream>
-#include <iterator>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 
 namespace fs = std::filesystem;
@@ -41,8 +41,9 @@ void renew_program() {
 }
 
 std::string read_all(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+    std::ostringstream bytes;
+    bytes << std::ifstream(file, std::ios::binary).rdbuf();
+    return bytes.str();
 }
 
 class NobodyThere : public platform::User {

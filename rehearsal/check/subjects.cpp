@@ -7,6 +7,8 @@ namespace {
 
 constexpr Subject all_subjects[] = {
     {"layout", rules_of_layout, check_layout},
+    {"inf", rules_of_inf, check_inf},
+    {"files", rules_of_files, check_files},
     {"catalogue", rules_of_catalogue, check_catalogue},
     {"media", rules_of_media_table, check_media_table},
     {"settings", rules_of_settings, check_settings},

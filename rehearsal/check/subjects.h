@@ -21,6 +21,10 @@ const Rule* find_rule(std::string_view id); // null when there is none of that i
 
 std::span<const Rule> rules_of_layout();
 void check_layout(const Medium& medium, Findings& findings);
+std::span<const Rule> rules_of_inf();
+void check_inf(const Medium& medium, Findings& findings);
+std::span<const Rule> rules_of_files();
+void check_files(const Medium& medium, Findings& findings);
 
 std::span<const Rule> rules_of_catalogue();
 void check_catalogue(const Medium& medium, Findings& findings);
