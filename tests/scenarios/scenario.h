@@ -31,6 +31,8 @@ public:
 
     // A copy of the sample medium, to be changed by the test; from then on it is this scenario's medium.
     std::filesystem::path own_medium();
+    // A medium of the test's own, which has to live as long.
+    void use_medium(const std::filesystem::path& medium) { medium_ = medium; }
 
     // Runs the program once more on the same machine and drive.
     rehearsal::Outcome run();
