@@ -1,6 +1,7 @@
 #include "rehearsal/rehearse.h"
 
 #include "machine/machine_json.h"
+#include "rehearsal/check/check.h"
 #include "rehearsal/exit_status.h"
 #include "rehearsal/fault_names.h"
 #include "rehearsal/judge.h"
@@ -95,6 +96,8 @@ int rehearse_on(const RehearseOptions& options) {
         print_machine(std::cout, outcome, drive_c);
     const Verdict verdict = judge_install(outcome, options.medium, drive_c);
     tell_verdict(verdict, std::cout);
+    if (verdict.status != ended_well)
+        check::explain_failed_run(std::cout, options.medium);
     if (!options.report.empty())
         write_report(options, report_text(outcome, verdict, drive_c));
     return verdict.status;

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <iterator>
 #include <stdexcept>
 #include <tuple>
 
@@ -117,6 +118,24 @@ const char* name_of(Severity severity) {
 std::string explain(const Rule& rule) {
     return "### " + std::string(rule.id) + "\n\n" + rule.title + " (" + name_of(rule.severity) + ").\n\n" +
            rule.cause + "\n\nRemedy: " + rule.remedy + "\n\nExample: `" + rule.example + "`\n";
+}
+
+bool shows_in_rehearsal(const Finding& finding) {
+    constexpr std::string_view unseen[] = {"files-program", "files-machine", "files-sibling",
+                                           "inf-backup-taken", "layout-case-twice"};
+    return !finding.id.starts_with("catalogue-") &&
+           std::find(std::begin(unseen), std::end(unseen), finding.id) == std::end(unseen);
+}
+
+void explain_failed_run(std::ostream& out, const std::filesystem::path& medium) {
+    std::vector<Finding> findings = check_medium(medium);
+    std::erase_if(findings, [](const Finding& finding) {
+        return finding.severity != Severity::error || !shows_in_rehearsal(finding);
+    });
+    if (findings.empty())
+        return;
+    out << "trk check on this medium:\n";
+    print_findings(out, findings, {});
 }
 
 std::vector<Finding> check_medium(const std::filesystem::path& medium) {

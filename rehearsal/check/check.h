@@ -35,6 +35,14 @@ std::vector<Finding> check_medium(const std::filesystem::path& medium);
 // The whole sub-command: its exit status.
 int run_check(const CheckOptions& options);
 
+// Whether a rehearsal can come to grief over the finding. It never loads programs nor verifies signatures,
+// can't know which of two INFs was meant, and starts no sibling.
+bool shows_in_rehearsal(const Finding& finding);
+
+// What there is in the medium to explain a rehearsal that failed: its errors of that kind, one line each with
+// the remedy, under a headline; nothing when there are none.
+void explain_failed_run(std::ostream& out, const std::filesystem::path& medium);
+
 // The rule as a section of Markdown, which is also what the handbook has of it.
 std::string explain(const Rule& rule);
 

@@ -243,13 +243,29 @@ const std::vector<Mutation> file_mutations = {
     {"no settings", gone("wrenchbay/settings.inf"), {"wrenchbay/settings.inf files-missing"}},
 };
 
+constexpr char media[] = "wrenchbay/media.inf";
+
+// The subjects that have tests of their own; here is only whether a rehearsal agrees.
+const std::vector<Mutation> content_mutations = {
+    {"media misspelt", swap(media, "[Media]", "[Meda]"), {}},
+    {"media in other case", swap(media, "[Media]", "[media]"), {}},
+    {"a blank line below the header", swap(media, "[Media]\r\n", "[Media]\r\n\r\n"), {}},
+    {"a comment between the rows", swap(media, "\"Label 4x6\"", "; inches\r\n\"Label 4x6\""), {}},
+    {"a name of 70 characters", swap(media, "Label 4x6", std::string(70, 'L')), {}},
+    {"no sizes", written(media, "[Media]\r\n"), {}},
+    {"sizes in UTF-16", as_utf16(media), {}},
+    {"no agreement", gone("licenses"), {}},
+    {"no names of profiles", gone("wrenchbay/profilenames.inf"), {}},
+    {"another language", swap("wrenchbay/settings.inf", ";Language=DEU", "Language=DEU"), {}},
+};
+
 } // namespace
 
 const std::vector<Mutation>& sample_mutations() {
     static const std::vector<Mutation> all = [] {
         std::vector<Mutation> list;
-        for (const auto* const part :
-             {&class_mutations, &version_mutations, &models_mutations, &name_mutations, &file_mutations})
+        for (const auto* const part : {&class_mutations, &version_mutations, &models_mutations,
+                                       &name_mutations, &file_mutations, &content_mutations})
             list.insert(list.end(), part->begin(), part->end());
         return list;
     }();
