@@ -176,4 +176,14 @@ TEST_F(ShellModel, LinksOfOtherWritersAreRead) {
     EXPECT_TRUE(platform::read_link(astray, 1252, reason)->target == u"é.exe");
 }
 
+// Its bytes are counted, so that a text may end with the first half of a character.
+TEST_F(ShellModel, LinkTextsMayEndInHalfALetter) {
+    std::string reason;
+    const std::string head =
+        foreign_link().substr(0, 20) + std::string("\4\0\0\0", 4) + std::string(52, '\0');
+    const auto link = platform::read_link(head + std::string("\2\0a\x83", 4), 932, reason);
+    ASSERT_TRUE(link) << reason;
+    EXPECT_TRUE(link->description == u"a・");
+}
+
 } // namespace
