@@ -9,7 +9,7 @@
 namespace rehearsal::check {
 
 // A date without a time may be meant in any time zone, of which the farthest is 14 hours ahead.
-constexpr std::int64_t most_ahead_of_utc = 14 * 3600;
+constexpr std::int64_t most_ahead_of_utc = std::int64_t{14} * 3600;
 
 // Seconds since 1970 as a day in UTC: "2024-07-27".
 std::string shown_day(std::int64_t seconds);

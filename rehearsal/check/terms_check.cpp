@@ -173,12 +173,12 @@ void check_language(const Medium& medium, int language, Findings& findings) {
 }
 
 void check_unused(const Medium& medium, Findings& findings) {
+    std::vector<std::string> paths(language_count);
+    for (int language = 0; language < language_count; ++language)
+        paths[static_cast<std::size_t>(language)] = terms_path(language);
     for (const MediumEntry* const entry : medium.in_folder("licenses")) {
         if (!folded(entry->name()).starts_with("LICENSE"))
             continue;
-        std::vector<std::string> paths;
-        for (int language = 0; language < language_count; ++language)
-            paths.push_back(terms_path(language));
         if (std::any_of(paths.begin(), paths.end(),
                         [&](const auto& path) { return same_text(path, entry->path); }))
             continue;
