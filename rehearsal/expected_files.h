@@ -11,11 +11,11 @@
 namespace rehearsal {
 
 // The program folder with every file of the medium that belongs into it, byte by byte; appends what is
-// missing.
+// missing. `drive_c` holds the files of files_after.
 void check_files(const Outcome& outcome, const std::filesystem::path& medium,
-                 std::vector<std::string>& missing);
+                 const std::filesystem::path& drive_c, std::vector<std::string>& missing);
 
-// The group with both shortcuts, each leading to its program. `drive_c` holds the files of files_after.
+// The group with both shortcuts, each leading to its program.
 void check_shortcuts(const Outcome& outcome, const std::filesystem::path& drive_c,
                      std::vector<std::string>& missing);
 

@@ -192,7 +192,7 @@ Verdict judge_install(const Outcome& outcome, const std::filesystem::path& mediu
             queue = find_new_queue(outcome);
             check_queue(outcome, queue, missing);
         }
-        check_files(outcome, medium, missing);
+        check_files(outcome, medium, drive_c, missing);
         check_shortcuts(outcome, drive_c, missing);
     } else if (outcome.asked.install && outcome.refusal.empty() && find_failures(outcome).empty()) {
         missing.push_back("no box that tells how the install ended");

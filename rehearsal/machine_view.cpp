@@ -86,12 +86,6 @@ void print_link(std::ostream& out, const platform::LinkFile& link) {
         << to_utf8(link.working_folder) << ", \"" << to_utf8(link.description) << "\"\n";
 }
 
-std::filesystem::path on_linux(const std::filesystem::path& drive_c, std::string path) {
-    path.erase(0, 3); // "C:\"
-    std::replace(path.begin(), path.end(), '\\', '/');
-    return drive_c / path;
-}
-
 std::string read_bytes(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
     std::ostringstream bytes;

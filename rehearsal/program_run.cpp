@@ -5,6 +5,7 @@
 #include "calls/windows/user_input.h"
 #include "machine/text.h"
 #include "rehearsal/asked.h"
+#include "rehearsal/embedded_resources.h"
 #include "state/app_state.h"
 
 #include <windows.h>
@@ -88,13 +89,14 @@ Outcome run_program(const ProgramRun& run, platform::Machine& machine, platform:
     Outcome outcome;
     prepare_drive(machine, run.drive_c);
     outcome.before = machine;
-    outcome.files_before = list_drive(run.drive_c);
+    const bool with_digests = run.original_drive.empty();
+    outcome.files_before = list_drive(run.drive_c, with_digests);
     reset_program();
     {
         platform::SessionOptions options;
         options.drive_c = run.drive_c;
         options.medium = run.medium.empty() ? run.medium : fs::absolute(run.medium);
-        options.resources = TRK_RESOURCE_FILE;
+        options.resources = embedded_resources();
         options.command_line = platform::to_utf16(run.command_line);
         options.real_time = run.real_time;
         platform::Session session(machine, options, user);
@@ -113,7 +115,9 @@ Outcome run_program(const ProgramRun& run, platform::Machine& machine, platform:
     }
     outcome.log = log.text();
     outcome.after = machine;
-    outcome.files_after = list_drive(run.drive_c);
+    outcome.files_after = list_drive(run.drive_c, with_digests);
+    if (!with_digests)
+        digest_differing(outcome.files_before, run.original_drive, outcome.files_after, run.drive_c);
     return outcome;
 }
 

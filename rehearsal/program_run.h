@@ -25,6 +25,9 @@ void prepare_drive(const platform::Machine& machine, const std::filesystem::path
 
 struct ProgramRun {
     std::filesystem::path drive_c; // prepared by run_program
+    // What drive_c is a fresh copy of, times included: then only what the run changes is digested. Else
+    // empty.
+    std::filesystem::path original_drive;
     std::filesystem::path medium;
     std::string command_line; // arguments alone, UTF-8
     bool real_time = false;

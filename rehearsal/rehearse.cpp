@@ -6,14 +6,20 @@
 #include "rehearsal/fault_names.h"
 #include "rehearsal/judge.h"
 #include "rehearsal/machine_view.h"
+#include "rehearsal/output_file.h"
+#include "rehearsal/own_output.h"
 #include "rehearsal/program_run.h"
 #include "rehearsal/report.h"
 #include "rehearsal/shown_text.h"
+#include "rehearsal/staged_drive.h"
+#include "rehearsal/unfinished.h"
 #include "rehearsal/users.h"
 
-#include <fstream>
+#include <cerrno>
+#include <cstring>
 #include <iostream>
 #include <memory>
+#include <optional>
 
 #include <unistd.h>
 
@@ -22,46 +28,61 @@ namespace fs = std::filesystem;
 namespace rehearsal {
 namespace {
 
-// A folder of the rehearsal's own, taken away at its end.
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        std::string name = (fs::temp_directory_path() / "trk-rehearsal-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr)
-            throw std::runtime_error("no temporary folder can be made");
-        path = name;
-    }
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        fs::remove_all(path, ignored);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    fs::path path;
-};
-
-fs::path choose_drive_c(const RehearseOptions& options, std::unique_ptr<TemporaryFolder>& temporary) {
-    if (!options.drive_c.empty())
-        return options.drive_c;
-    if (!options.machine_file.empty())
-        return drive_of(options.machine_file);
-    temporary = std::make_unique<TemporaryFolder>();
-    return temporary->path;
+// A folder for a drive that isn't kept.
+fs::path make_temporary_folder() {
+    std::string name = (fs::temp_directory_path() / "trk-rehearsal-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr)
+        throw std::runtime_error(name + ": can't be made: " + std::strerror(errno));
+    return name;
 }
 
-std::unique_ptr<ViewedUser> choose_user(const RehearseOptions& options, TerminalView& view) {
+// Everything that a run reads and writes beside the medium. Each part is checked or opened before the run.
+struct Surroundings {
+    explicit Surroundings(const RehearseOptions& options);
+    const fs::path& drive_c() const { return drive ? drive->path() : temporary->path(); }
+
+    std::optional<MachineLock> lock;
+    std::optional<OutputFile> report;
+    std::optional<OutputFile> machine_file;
+    std::optional<StagedDrive> drive;    // of a machine that is kept
+    std::optional<Unfinished> temporary; // the drive of one that isn't
+};
+
+Surroundings::Surroundings(const RehearseOptions& options) {
+    const fs::path report_file = options.report == "-" ? fs::path() : fs::path(options.report);
+    refuse_same_file("--machine", options.machine_file, "--report", report_file);
+    refuse_same_file("--script", options.script, "--report", report_file);
+    refuse_same_file("--script", options.script, "--machine", options.machine_file);
+    if (!options.machine_file.empty())
+        lock.emplace(options.machine_file);
+    if (!report_file.empty())
+        report.emplace(report_file);
+    if (!options.machine_file.empty())
+        machine_file.emplace(options.machine_file);
+    if (!options.drive_c.empty())
+        drive.emplace(options.drive_c);
+    else if (!options.machine_file.empty())
+        drive.emplace(drive_of(options.machine_file));
+    else
+        temporary.emplace(make_temporary_folder());
+}
+
+std::unique_ptr<ViewedUser> choose_user(const RehearseOptions& options, TerminalView& view,
+                                        std::ostream& talk) {
     if (!options.script.empty())
         return std::make_unique<ScriptUser>(view, read_script(options.script), options.script.string());
     if (isatty(STDIN_FILENO))
-        return std::make_unique<Person>(view, std::cin, std::cout);
+        return std::make_unique<Person>(view, std::cin, talk);
     return std::make_unique<ScriptUser>(view, std::vector<Action>{});
 }
 
-Outcome run(const RehearseOptions& options, platform::Machine& machine, const fs::path& drive_c) {
-    TerminalView view(std::cout, options.quiet);
-    const std::unique_ptr<ViewedUser> user = choose_user(options, view);
+Outcome run(const RehearseOptions& options, platform::Machine& machine, const Surroundings& around,
+            std::ostream& talk) {
+    TerminalView view(talk, options.quiet);
+    const std::unique_ptr<ViewedUser> user = choose_user(options, view, talk);
     ProgramRun program;
-    program.drive_c = drive_c;
+    program.drive_c = around.drive_c();
+    program.original_drive = around.drive ? around.drive->original() : fs::path();
     program.medium = options.medium;
     program.command_line = options.command_line;
     program.real_time = true;
@@ -73,43 +94,54 @@ Outcome run(const RehearseOptions& options, platform::Machine& machine, const fs
     return outcome;
 }
 
-void write_report(const RehearseOptions& options, const std::string& text) {
-    if (options.report == "-") {
-        std::cout << text;
-        return;
-    }
-    std::ofstream file(options.report);
-    if (!(file << text).flush())
-        throw std::runtime_error(options.report + ": can't be written");
+// All results into their places, or none. A run that was stopped leaves the machine as it was.
+void keep_results(Surroundings& around, const platform::Machine& machine, const std::string& report,
+                  bool stopped) {
+    if (around.report)
+        around.report->write(report);
+    if (around.machine_file && !stopped)
+        around.machine_file->write(platform::machine_text(machine));
+    const std::unique_lock held = hold_signals();
+    if (around.drive && !stopped)
+        around.drive->commit();
+    if (around.machine_file && !stopped)
+        around.machine_file->put_in_place();
+    if (around.report)
+        around.report->put_in_place();
 }
 
 int rehearse_on(const RehearseOptions& options) {
+    Surroundings around(options);
     platform::Machine machine = options.machine_file.empty() ? platform::default_machine()
                                                              : platform::load_machine(options.machine_file);
     check_fault_names(machine, options.machine_file);
-    std::unique_ptr<TemporaryFolder> temporary;
-    const fs::path drive_c = choose_drive_c(options, temporary);
-    const Outcome outcome = run(options, machine, drive_c);
-    if (!options.machine_file.empty())
-        platform::save_machine(machine, options.machine_file);
+    OwnOutput own;
+    const bool to_output = options.report == "-";
+    std::ostream& talk = to_output ? std::cerr : own.stream();
+    const Outcome outcome = run(options, machine, around, talk);
     if (!options.quiet)
-        print_machine(std::cout, outcome, drive_c);
-    const Verdict verdict = judge_install(outcome, options.medium, drive_c);
-    tell_verdict(verdict, std::cout);
+        print_machine(talk, outcome, around.drive_c());
+    const Verdict verdict = judge_install(outcome, options.medium, around.drive_c());
+    const std::string report =
+        options.report.empty() ? std::string() : report_text(outcome, verdict, around.drive_c());
+    keep_results(around, machine, report, !outcome.refusal.empty());
+    tell_verdict(verdict, talk);
     if (verdict.status != ended_well)
-        check::explain_failed_run(std::cout, options.medium);
-    if (!options.report.empty())
-        write_report(options, report_text(outcome, verdict, drive_c));
+        check::explain_failed_run(talk, options.medium);
+    if (to_output)
+        own.stream() << report << std::flush;
+    own.check();
     return verdict.status;
 }
 
 } // namespace
 
 int rehearse(const RehearseOptions& options) {
+    end_cleanly_on_signals();
     try {
         return rehearse_on(options);
     } catch (const std::exception& error) { // an unreadable file, with its name, line and reason
-        std::cerr << "trk: " << error.what() << "\n";
+        std::cerr << "trk: " << shown_text(error.what()) << "\n";
         return wrong_usage;
     }
 }

@@ -13,8 +13,10 @@ namespace {
 constexpr char rehearse_footer[] =
     R"(
 
-Exit status: 0 the run ended well; 1 a failure box, a failed step, or a script that couldn't
-be followed; 2 wrong usage or an unreadable file; 3 the program asked for what the layer doesn't model.
+A line "OK: ..." or "FAIL: ..." closes the run. Machine, drive and report are kept as a whole or not at all.
+
+Exit status: 0 the run ended well; 1 something failed or is missing, or a script couldn't be followed to its
+end; 2 wrong usage, or a file that can't be read or written; 3 the program asked for what the layer doesn't model.
 
 Example:
   cp samples/machines/two_printers.json laptop.json

@@ -6,9 +6,13 @@
 #include "rehearsal/exit_status.h"
 #include "rehearsal/fault_names.h"
 #include "rehearsal/judge.h"
+#include "rehearsal/output_file.h"
+#include "rehearsal/own_output.h"
 #include "rehearsal/program_run.h"
 #include "rehearsal/remover.h"
 #include "rehearsal/shown_text.h"
+#include "rehearsal/staged_drive.h"
+#include "rehearsal/unfinished.h"
 #include "rehearsal/users.h"
 
 #include <algorithm>
@@ -53,50 +57,64 @@ MachineState read_before(const fs::path& file) {
     MachineState before;
     before.machine = platform::load_machine(file);
     if (const fs::path drive = drive_of(file); fs::is_directory(drive))
-        before.files = list_drive(drive);
+        before.files = list_drive(drive, false);
     for (const std::u16string& folder : first_folders(before.machine))
         for (std::u16string path = folder; path.size() > 3; path.erase(path.rfind(u'\\')))
-            before.files.try_emplace(platform::to_utf8(path), DriveFile{0, {}, true});
+            before.files.try_emplace(platform::to_utf8(path), DriveFile{0, {}, true, 0});
     return before;
 }
 
-void tell_difference(const MachineState& before, const Outcome& outcome) {
-    std::cout << "\n  == What is different from before the first install ==\n";
-    for (const std::string& line : difference(before, {outcome.after, outcome.files_after}))
-        std::cout << "    " << shown_text(line) << "\n";
+void tell_difference(MachineState& before, const fs::path& before_drive, const Outcome& outcome,
+                     const fs::path& drive_c, std::ostream& out) {
+    MachineState after = {outcome.after, outcome.files_after};
+    digest_differing(before.files, before_drive, after.files, drive_c);
+    out << "\n  == What is different from before the first install ==\n";
+    for (const std::string& line : difference(before, after))
+        out << "    " << shown_text(line) << "\n";
 }
 
 int remove_from(const RemoveOptions& options) {
+    const MachineLock lock(options.machine_file);
+    OutputFile machine_file(options.machine_file);
     platform::Machine machine = platform::load_machine(options.machine_file);
     std::optional<MachineState> before;
     if (!options.before.empty())
         before = read_before(options.before);
-    const fs::path drive_c = options.drive_c.empty() ? drive_of(options.machine_file) : options.drive_c;
+    StagedDrive drive(options.drive_c.empty() ? drive_of(options.machine_file) : options.drive_c);
     Removal removal;
-    removal.model = platform::to_utf16(choose_model(options, machine, drive_c));
+    removal.model = platform::to_utf16(choose_model(options, machine, drive.path()));
     check_fault_names(machine, options.machine_file);
-    TerminalView view(std::cout, options.quiet);
+    OwnOutput own;
+    TerminalView view(own.stream(), options.quiet);
     ScriptUser user(view, {});
     ProgramRun run;
-    run.drive_c = drive_c;
+    run.drive_c = drive.path();
+    run.original_drive = drive.original();
     run.entry = [&removal](HINSTANCE instance, char*) { return run_remover(instance, removal); };
     run.finished = [&view] { view.look(); };
     const Outcome outcome = run_program(run, machine, user, view.log);
-    platform::save_machine(machine, options.machine_file);
     if (before)
-        tell_difference(*before, outcome);
+        tell_difference(*before, drive_of(options.before), outcome, drive.path(), own.stream());
     const Verdict verdict = judge_removal(outcome, removal);
-    tell_verdict(verdict, std::cout);
+    if (outcome.refusal.empty()) {
+        machine_file.write(platform::machine_text(machine));
+        const std::unique_lock held = hold_signals();
+        drive.commit();
+        machine_file.put_in_place();
+    }
+    tell_verdict(verdict, own.stream());
+    own.check();
     return verdict.status;
 }
 
 } // namespace
 
 int remove(const RemoveOptions& options) {
+    end_cleanly_on_signals();
     try {
         return remove_from(options);
     } catch (const std::exception& error) {
-        std::cerr << "trk: " << error.what() << "\n";
+        std::cerr << "trk: " << shown_text(error.what()) << "\n";
         return wrong_usage;
     }
 }

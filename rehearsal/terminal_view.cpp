@@ -1,6 +1,7 @@
 #include "rehearsal/terminal_view.h"
 
 #include "calls/windows/user_input.h"
+#include "rehearsal/shown_text.h"
 
 #include <algorithm>
 #include <sstream>
@@ -33,6 +34,8 @@ std::string fold_text(const std::string& text, std::size_t longest_text, std::si
             return out + " ... (" + std::to_string(text.size()) + " bytes in all)";
         if (letter == '\n')
             out = without_blanks_behind(out) + "\n                 | ";
+        else if (static_cast<unsigned char>(letter) < ' ')
+            out += shown_text({&letter, 1});
         else
             out += letter;
     }
@@ -61,7 +64,8 @@ std::string face(const platform::ControlView& control) {
         std::string text = control.rows[row];
         std::replace(text.begin(), text.end(), '\t', ' ');
         rows += (row == 0 ? "" : "\n                   ");
-        rows += (static_cast<int>(row) == control.selected ? "> " : "  ") + std::to_string(row) + ": " + text;
+        rows += (static_cast<int>(row) == control.selected ? "> " : "  ") + std::to_string(row) + ": " +
+                shown_text(text);
     }
     return rows;
 }
@@ -148,7 +152,7 @@ TerminalView::~TerminalView() {
 void TerminalView::action(const std::string& shown) {
     const std::lock_guard lock(mutex_);
     if (!quiet_)
-        out_ << "\n  user: " << shown << "\n" << std::flush;
+        out_ << "\n  user: " << shown_text(shown) << "\n" << std::flush;
 }
 
 void TerminalView::box(const platform::BoxView& box) {
@@ -158,10 +162,11 @@ void TerminalView::box(const platform::BoxView& box) {
         return;
     constexpr std::uint32_t exclamation = 0x30;
     const bool warning = (box.flags & 0xF0) == exclamation;
-    out_ << "\n  " << (warning ? "!! Warning box" : "## Message box") << ": " << box.caption << "\n";
+    out_ << "\n  " << (warning ? "!! Warning box" : "## Message box") << ": " << shown_text(box.caption)
+         << "\n";
     std::istringstream lines(box.text);
     for (std::string line; std::getline(lines, line);)
-        out_ << "     " << line << "\n";
+        out_ << "     " << shown_text(line) << "\n";
     out_ << "     [ OK ]\n" << std::flush;
 }
 
@@ -190,7 +195,7 @@ void TerminalView::print_log() {
 
 void TerminalView::end_log_line() {
     if (!quiet_)
-        out_ << without_blanks_behind("  log | " + log_line_) << "\n";
+        out_ << without_blanks_behind("  log | " + shown_text(log_line_)) << "\n";
     log_line_.clear();
 }
 

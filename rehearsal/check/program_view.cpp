@@ -1,6 +1,7 @@
 #include "rehearsal/check/program_view.h"
 
 #include "calls/run/session.h"
+#include "rehearsal/embedded_resources.h"
 #include "state/app_state.h"
 #include "support/install_log.h"
 
@@ -58,7 +59,7 @@ std::string with_program(const Medium& medium, const std::function<void()>& read
     platform::SessionOptions options;
     options.drive_c = drive.path;
     options.medium = fs::absolute(medium.folder());
-    options.resources = TRK_RESOURCE_FILE;
+    options.resources = embedded_resources();
     NobodyThere user;
     renew_program();
     {

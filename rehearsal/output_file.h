@@ -1,0 +1,48 @@
+// Files that a run writes: known to be writable before it begins, and in their places only when they are
+// whole.
+#pragma once
+
+#include "rehearsal/unfinished.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace rehearsal {
+
+class OutputFile {
+public:
+    // Opens a new file beside the wanted one; a pipe or device that is there is opened itself. Throws
+    // std::runtime_error with file and reason.
+    explicit OutputFile(std::filesystem::path path);
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    void write(const std::string& text); // all of it, and onto the disk; throws as above
+    void put_in_place();                 // by renaming, behind write
+
+private:
+    const std::filesystem::path path_;
+    std::unique_ptr<Unfinished> beside_; // none for a pipe or device
+    int descriptor_ = -1;
+};
+
+// The machine file, for one run at a time.
+class MachineLock {
+public:
+    // Throws std::runtime_error when another run has it, or it can't be opened.
+    explicit MachineLock(const std::filesystem::path& file);
+    ~MachineLock();
+    MachineLock(const MachineLock&) = delete;
+    MachineLock& operator=(const MachineLock&) = delete;
+
+private:
+    int descriptor_ = -1;
+};
+
+// Throws std::runtime_error when two of the named paths are one file: one would take the other's place.
+void refuse_same_file(const std::string& first_name, const std::filesystem::path& first,
+                      const std::string& second_name, const std::filesystem::path& second);
+
+} // namespace rehearsal

@@ -1,0 +1,113 @@
+#include "rehearsal/staged_drive.h"
+
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace rehearsal {
+namespace {
+
+[[noreturn]] void fail(const fs::path& path, const char* what) {
+    throw std::runtime_error(path.string() + ": " + what + ": " + std::strerror(errno));
+}
+
+// The drive itself where it is a link, without a separator at its end.
+fs::path resolved(const fs::path& drive) {
+    const fs::path whole = fs::weakly_canonical(fs::absolute(drive));
+    return whole.has_filename() ? whole : whole.parent_path();
+}
+
+fs::path stage_beside(const fs::path& drive) {
+    return drive.string() + ".new-" + std::to_string(getpid());
+}
+
+void copy_times(const fs::path& to, const struct stat& from) {
+    const timespec times[] = {from.st_atim, from.st_mtim};
+    if (utimensat(AT_FDCWD, to.c_str(), times, AT_SYMLINK_NOFOLLOW) != 0)
+        fail(to, "its time can't be set");
+}
+
+void copy_tree(const fs::path& from, const fs::path& to);
+
+void copy_file(const fs::path& from, const fs::path& to, const struct stat& facts) {
+    std::error_code error;
+    // What goes by several names is told by their number, and that has to stay.
+    if (facts.st_nlink > 1)
+        fs::create_hard_link(from, to, error);
+    else
+        fs::copy_file(from, to, error);
+    if (error)
+        throw std::runtime_error(from.string() + ": can't be copied: " + error.message());
+    if (facts.st_nlink == 1)
+        copy_times(to, facts);
+}
+
+void copy_folder(const fs::path& from, const fs::path& to, const struct stat& facts) {
+    if (mkdir(to.c_str(), 0700) != 0)
+        fail(to, "can't be made");
+    for (const fs::directory_entry& entry : fs::directory_iterator(from))
+        copy_tree(entry.path(), to / entry.path().filename());
+    if (chmod(to.c_str(), facts.st_mode & 07777) != 0)
+        fail(to, "its rights can't be set");
+    copy_times(to, facts);
+}
+
+void copy_tree(const fs::path& from, const fs::path& to) {
+    struct stat facts = {};
+    if (lstat(from.c_str(), &facts) != 0)
+        fail(from, "can't be read");
+    if (S_ISDIR(facts.st_mode))
+        copy_folder(from, to, facts);
+    else if (S_ISREG(facts.st_mode))
+        copy_file(from, to, facts);
+    else if (S_ISLNK(facts.st_mode))
+        fs::copy_symlink(from, to);
+    else if (!S_ISFIFO(facts.st_mode))
+        throw std::runtime_error(from.string() + ": a device or socket can't be part of a drive");
+    else if (mkfifo(to.c_str(), facts.st_mode & 07777) != 0)
+        fail(to, "can't be made");
+}
+
+} // namespace
+
+StagedDrive::StagedDrive(const fs::path& drive) : drive_(resolved(drive)), stage_(stage_beside(drive_)) {
+    std::error_code error;
+    fs::create_directories(drive_.parent_path(), error);
+    if (fs::is_directory(drive_))
+        copy_tree(drive_, stage_.path());
+    else if (fs::exists(fs::symlink_status(drive_)))
+        throw std::runtime_error(drive_.string() + ": isn't a folder");
+    else if (mkdir(stage_.path().c_str(), 0777) != 0)
+        fail(drive_, "can't be made");
+}
+
+void StagedDrive::commit() {
+    const fs::path& stage = stage_.path();
+    if (!fs::exists(drive_)) {
+        if (rename(stage.c_str(), drive_.c_str()) != 0)
+            fail(drive_, "can't be written");
+        stage_.keep();
+        return;
+    }
+    if (renameat2(AT_FDCWD, stage.c_str(), AT_FDCWD, drive_.c_str(), RENAME_EXCHANGE) == 0)
+        return; // what is unfinished now is the old drive
+    const fs::path aside = drive_.string() + ".old-" + std::to_string(getpid());
+    if (errno != EINVAL || rename(drive_.c_str(), aside.c_str()) != 0)
+        fail(drive_, "can't be written");
+    if (rename(stage.c_str(), drive_.c_str()) != 0) {
+        const int error = errno;
+        rename(aside.c_str(), drive_.c_str());
+        errno = error;
+        fail(drive_, "can't be written");
+    }
+    delete_tree(aside);
+    stage_.keep();
+}
+
+} // namespace rehearsal
