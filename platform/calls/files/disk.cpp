@@ -85,6 +85,21 @@ std::uint32_t write_file(const RealPath& target, std::string_view bytes) {
     return file ? 0 : error_of(errno);
 }
 
+std::uint32_t set_read_only(const RealPath& path, bool read_only) {
+    if (path.error != 0)
+        return path.error;
+    struct stat facts;
+    if (!path.exists || path.real.empty() || stat(path.real.c_str(), &facts) != 0)
+        return ERROR_FILE_NOT_FOUND;
+    if (path.read_only)
+        return ERROR_WRITE_PROTECT;
+    if (!S_ISREG(facts.st_mode))
+        return ERROR_ACCESS_DENIED;
+    const mode_t mode =
+        read_only ? facts.st_mode & ~mode_t{S_IWUSR | S_IWGRP | S_IWOTH} : facts.st_mode | S_IWUSR;
+    return chmod(path.real.c_str(), mode) == 0 ? 0 : error_of(errno);
+}
+
 std::uint32_t delete_file(const RealPath& path, bool read_only_too) {
     if (path.error != 0)
         return path.error;

@@ -17,6 +17,9 @@ std::uint32_t write_file(const RealPath& target, std::string_view bytes);
 // A file or a link; with `read_only_too` also a read-only file.
 std::uint32_t delete_file(const RealPath& path, bool read_only_too);
 
+// Of a file; a folder has no such attribute here, and is refused.
+std::uint32_t set_read_only(const RealPath& path, bool read_only);
+
 std::uint32_t make_folder(const RealPath& path);
 std::uint32_t remove_folder(const RealPath& path); // an empty one, or a link to one
 

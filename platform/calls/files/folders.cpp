@@ -46,6 +46,17 @@ DWORD GetFileAttributesW(LPCWSTR path) {
     return result(error) ? platform::attributes_of(facts, place.folder) : INVALID_FILE_ATTRIBUTES;
 }
 
+// The one attribute that is kept here is that a file is read-only.
+BOOL SetFileAttributesW(LPCWSTR path, DWORD attributes) {
+    platform::Call call("SetFileAttributesW", shown(path));
+    if (call.fails(ERROR_ACCESS_DENIED))
+        return FALSE;
+    if ((attributes & ~DWORD{FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NORMAL}) != 0)
+        call.refuse("attributes " + std::to_string(attributes));
+    return result(
+        platform::set_read_only(platform::real_path(path), (attributes & FILE_ATTRIBUTE_READONLY) != 0));
+}
+
 BOOL DeleteFileW(LPCWSTR path) {
     platform::Call call("DeleteFileW", shown(path));
     if (call.fails(ERROR_ACCESS_DENIED))
