@@ -4,7 +4,7 @@
 
 #include "windef.h"
 
-// A line was composed for the log, whether or not there is a log to take it.
+// A line goes to the log; where there is no log to take it, its format alone is handed over.
 void line_logged(const WCHAR* line);
 
 // The line that this thread composed last tells of a failed step.

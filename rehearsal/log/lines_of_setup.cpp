@@ -97,7 +97,7 @@ constexpr Line setup_lines[] = {
     {"%s - %d %d.%d.%d.%d", Area::connection, Weight::plain,
      "The address as typed, how many numbers it has, and the numbers. It is taken when there are four of 0 "
      "to 255.",
-     "", "", no_code, Role::typed_address, "app/ip_dialog.cpp: typed| - %d %d.%d.%d.%d"},
+     "", "", no_code, Role::typed_address, "app/ip_dialog.cpp: typed|app/ip_dialog.cpp: numbers"},
     {"%S already in list", Area::search, Weight::plain, "A printer of this address is in the list already."},
     {"Candidate list full", Area::search, Weight::notice, "The list has no room for another printer.",
      "More than 100 printers of the model answered.", "Type the address of the printer that is wanted."},

@@ -7,7 +7,6 @@
 #include "support/install_log.h"
 #include "support/text.h"
 
-#include <cstring>
 #include <iterator>
 
 namespace {
@@ -59,10 +58,10 @@ void add_candidate(const char* address, const char* name) {
 }
 
 int candidate_known(const char* address) {
+    WCHAR wanted[std::size(PrinterCandidate{}.address)];
+    widen(wanted, std::size(wanted), address);
     for (int index = 0; index < app.candidate_count; ++index) {
-        char known[256];
-        narrow(known, std::size(known), app.candidates[index].address);
-        if (std::strcmp(known, address) == 0) {
+        if (same_text(app.candidates[index].address, wanted)) {
             log_line(TEXT("%S already in list\r\n"), address);
             return 1;
         }

@@ -9,8 +9,6 @@
 
 #include <failed_step.h>
 
-#include <winspool.h>
-
 #include <iterator>
 
 namespace {
@@ -23,15 +21,12 @@ DWORD field(DriverVersion version, int place) {
 // The model's name for people: the folder under Program Files and the queue bear it.
 void build_display_name() {
     copy_ansi(app.model_display_name, std::size(app.model_display_name), app.driver.mdlName);
-    for (char* place = app.model_display_name; *place != 0; ++place)
-        if (*place == '_')
-            *place = ' ';
+    replace_in_name(app.model_display_name, '_', ' ');
 }
 
 // Replaces the end of the analysis by what is installed: `line` for the log, `text` for the status.
 void tell(const WCHAR* line, const WCHAR* text) {
-    log_write(app.log_handle, line);
-    log_write(app.log_handle, TEXT("\r\n"));
+    log_text(line);
     status_append(app.main_dialog, IDC_STATUS, text);
 }
 
@@ -106,28 +101,10 @@ void start_without_driver() {
 
 } // namespace
 
-int find_installed_driver(const WCHAR* driver_name, DriverVersion* version_out) {
-    DWORD count = 0;
-    void* const buffer = enumerate_drivers(6, &count);
-    const auto* const drivers = static_cast<const DRIVER_INFO_6W*>(buffer);
-    int found = 0;
-    for (DWORD index = 0; index < count && !found; ++index) {
-        const WCHAR* const name = drivers[index].pName;
-        if (lstrcmpW(name != nullptr ? name : TEXT(""), driver_name) != 0)
-            continue;
-        found = 1;
-        if (version_out != nullptr)
-            *version_out = drivers[index].dwlDriverVersion;
-    }
-    release_bytes(buffer);
-    return found;
-}
-
 void analyse_driver() {
     build_display_name();
     format_text(app.driver_name_wide, std::size(app.driver_name_wide), TEXT("%S"), app.driver.driverName);
-    log_write(app.log_handle, app.driver_name_wide);
-    log_write(app.log_handle, TEXT("\r\n"));
+    log_text(app.driver_name_wide);
     log_write(app.log_handle, TEXT("Check installed drivers...\r\n"));
     DriverVersion installed = 0;
     app.driver_installed = static_cast<DWORD>(find_installed_driver(app.driver_name_wide, &installed));

@@ -7,6 +7,7 @@
 #include "spooler/inventory.h"
 #include "spooler/tcp_port.h"
 #include "state/app_state.h"
+#include "state/names.h"
 #include "support/dialog_text.h"
 #include "support/install_log.h"
 #include "support/text.h"
@@ -48,8 +49,7 @@ int take_candidate(PrinterCandidate* candidate) {
 }
 
 int deploy() {
-    if (deploy_program_files(TEXT("Vorlane"), app.driver_name_wide, app.driver.infFile,
-                             app.model_display_name, 1))
+    if (deploy_program_files(maker_name, app.driver_name_wide, app.driver.infFile, app.model_display_name, 1))
         return 1;
     log_failure(TEXT("Error setting up driver files!\r\n"));
     status_append_string(app.app_instance, app.main_dialog, IDC_STATUS, IDS_SETTING_UP_FAILED, 0);
@@ -69,30 +69,73 @@ int install_driver() {
     return 0;
 }
 
-// The name goes into port_name of line_capacity characters. One too long for a port is refused further down.
+// The name, "TRK_" and the address, goes into port_name of line_capacity characters. One too long for a port
+// is refused further down.
 void make_port(WCHAR* port_name, const WCHAR* wide_address) {
     char address[256];
     narrow(address, std::size(address), wide_address);
-    format_text(port_name, line_capacity, TEXT("TRK_%S"), address);
-    log_write(app.log_handle, port_name);
-    log_write(app.log_handle, TEXT(".\r\n"));
+    format_text(port_name, line_capacity, TEXT("%s%S"), own_port_prefix, address);
+    log_texts(port_name, TEXT("."), nullptr, nullptr);
     show_stage(stage_port, port_name);
     log_line(TEXT("Adding port %s\r\n"), port_name);
     add_tcp_port(port_name, address);
 }
 
-// The model's name, or with " 2", " 3", ... behind it, shortened where the number needs the room: the first
-// that no queue has.
-void choose_queue_name() {
-    WCHAR model[256];
-    format_text(model, std::size(model), TEXT("%S"), app.model_display_name);
-    copy_text(app.queue_name, std::size(app.queue_name), model);
-    for (int counter = 2; printer_exists(app.queue_name); ++counter) {
-        WCHAR number[16];
-        format_text(number, std::size(number), TEXT(" %d"), counter);
-        copy_text(app.queue_name, std::size(app.queue_name) - text_length(number), model);
-        append_text(app.queue_name, std::size(app.queue_name), number);
+// The model's name with a blank and the number behind it, shortened where they need the room. `name` has the
+// room of app.queue_name.
+void number_queue_name(WCHAR* name, const WCHAR* model, DWORD number) {
+    WCHAR end[16];
+    format_text(end, std::size(end), TEXT(" %d"), number);
+    copy_text(name, std::size(app.queue_name) - text_length(end), model);
+    append_text(name, std::size(app.queue_name), end);
+}
+
+// The number at the end of a queue's name; 0 when it has none of 2 to `limit`.
+DWORD number_of_queue(const WCHAR* name, DWORD limit) {
+    const WCHAR* place = name + text_length(name);
+    DWORD number = 0;
+    for (DWORD unit = 1; place > name && place[-1] >= '0' && place[-1] <= '9' && unit <= limit; unit *= 10)
+        number += static_cast<DWORD>(*--place - '0') * unit;
+    return number >= 2 && number <= limit ? number : 0;
+}
+
+// Notes which of the names that the model's queues may have are taken: taken[1] for the model's own, taken[n]
+// for that with the number n.
+void note_taken_names(BYTE* taken, const PRINTER_INFO_1W* queues, DWORD count, const WCHAR* model) {
+    for (DWORD index = 0; index < count; ++index) {
+        const WCHAR* const name = queues[index].pName != nullptr ? queues[index].pName : TEXT("");
+        if (lstrcmpW(name, model) == 0)
+            taken[1] = 1;
+        const DWORD number = number_of_queue(name, count + 1);
+        if (number == 0)
+            continue;
+        WCHAR numbered[std::size(app.queue_name)];
+        number_queue_name(numbered, model, number);
+        if (lstrcmpW(name, numbered) == 0)
+            taken[number] = 1;
     }
+}
+
+// The model's name, or with " 2", " 3", ... behind it: the first that no queue has, by one look at all of
+// them. `count` queues can't take all of the numbers up to one more.
+void choose_queue_name() {
+    WCHAR model[std::size(app.queue_name)];
+    format_text(model, std::size(model), TEXT("%S"), app.model_display_name);
+    DWORD count = 0;
+    void* const queues = enumerate_printers(1, &count);
+    auto* const taken = static_cast<BYTE*>(allocate_bytes(size_t{count} + 3));
+    DWORD number = 1;
+    if (taken != nullptr) { // without memory the spooler refuses a name that is taken
+        note_taken_names(taken, static_cast<const PRINTER_INFO_1W*>(queues), count, model);
+        while (taken[number] != 0)
+            ++number;
+    }
+    release_bytes(taken);
+    release_bytes(queues);
+    if (number == 1)
+        copy_text(app.queue_name, std::size(app.queue_name), model);
+    else
+        number_queue_name(app.queue_name, model, number);
 }
 
 void make_queue(WCHAR* port_name) {
@@ -141,17 +184,4 @@ int run_installer() {
     log_line(TEXT("Adding printer %s\r\n"), app.queue_name);
     make_queue(port_name);
     return 1;
-}
-
-int printer_exists(const WCHAR* name) {
-    DWORD count = 0;
-    void* const buffer = enumerate_printers(1, &count);
-    const auto* const printers = static_cast<const PRINTER_INFO_1W*>(buffer);
-    int found = 0;
-    for (DWORD index = 0; index < count && !found; ++index) {
-        const WCHAR* const known = printers[index].pName;
-        found = lstrcmpW(known != nullptr ? known : TEXT(""), name) == 0;
-    }
-    release_bytes(buffer);
-    return found;
 }

@@ -11,6 +11,3 @@ void install_worker(void* unused);
 // stands in the log only, and doesn't make the result 0. Nothing is rolled back. The new queue's name is left
 // in app.queue_name, which stays empty on the USB road.
 int run_installer();
-
-// 1 when a local queue of exactly that name exists, else 0.
-int printer_exists(const WCHAR* name);

@@ -27,12 +27,14 @@ void check_address(HWND dialog) {
     WCHAR typed[256];
     if (control_get_text(dialog, IDC_ADDRESS, typed, std::size(typed)) < 1)
         typed[0] = 0;
-    log_write(app.log_handle, typed);
     char text[256];
     narrow(text, std::size(text), typed);
     int part[4];
     const int count = scan_numbers(text, "%d.%d.%d.%d", part, std::size(part));
-    log_line(TEXT(" - %d %d.%d.%d.%d\r\n"), count, part[0], part[1], part[2], part[3]);
+    WCHAR numbers[80];
+    format_text(numbers, std::size(numbers), TEXT(" - %d %d.%d.%d.%d"), count, part[0], part[1], part[2],
+                part[3]);
+    log_texts(typed, numbers, nullptr, nullptr);
 
     if (count == 4 && is_byte(part[0]) && is_byte(part[1]) && is_byte(part[2]) && is_byte(part[3])) {
         char address[16];
@@ -110,6 +112,9 @@ void ask_printer_address() {
     center_dialog(dialog);
     while (app.ip_dialog_closed == 0 && pump_message()) {
     }
+    // Its own buttons have taken it out of sight already, the end of the run hasn't.
+    if (app.exit_requested != 0)
+        EndDialog(dialog, 0);
 }
 
 INT_PTR CALLBACK ip_dialog_proc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {

@@ -69,6 +69,8 @@ INT_PTR on_setup_message(HWND dialog, WPARAM wParam) {
     switch (LOWORD(wParam)) {
     case worker_finished:
         request_exit(dialog);
+        // The run ends by itself, unless a dialog 104 is still open.
+        EnableWindow(GetDlgItem(dialog, IDCANCEL), TRUE);
         break;
     case terms_page_closed:
         // The worker is started at most once, however often the message comes.
@@ -116,6 +118,9 @@ void on_cancel(HWND dialog) {
     if (worker_lives())
         return;
     request_exit(dialog);
+    // Behind an install a dialog 104 that was left open, perhaps where nobody sees it, goes too.
+    if (app.install_started != 0)
+        app.ip_dialog_closed = 1;
     EndDialog(dialog, 0);
 }
 

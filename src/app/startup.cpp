@@ -105,8 +105,7 @@ void show_main_dialog() {
 int read_driver_package() {
     WCHAR folder[260];
     get_current_folder(folder, std::size(folder));
-    log_write(app.log_handle, folder);
-    log_write(app.log_handle, TEXT("\r\n"));
+    log_text(folder);
     log_write(app.log_handle, TEXT("Get driver info...\r\n"));
     DriverIdentity& driver = app.driver;
     constexpr int name_size = 255;

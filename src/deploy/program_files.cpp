@@ -3,8 +3,8 @@
 #include <objbase.h>
 #include <shellapi.h>
 
-#include "deploy/shortcuts.h"
-#include "state/app_state.h"
+#include "deploy/model_folders.h"
+#include "state/names.h"
 #include "support/current_folder.h"
 #include "support/install_log.h"
 #include "support/known_folder.h"
@@ -23,7 +23,7 @@ struct PackageFile {
 };
 
 constexpr PackageFile program_rows[] = {
-    {TEXT("trk_remove64.exe"), 0, 0}, {TEXT("trk_remove.exe"), 0, 0},   {TEXT("wrenchbay.exe"), 1, 0},
+    {TEXT("trk_remove64.exe"), 0, 0}, {remover_program, 0, 0},          {tools_program, 1, 0},
     {TEXT("portlynx.exe"), 1, 0},     {TEXT("portlynx.inf"), 1, 0},     {TEXT("media.inf"), 0, 0},
     {TEXT("settings.inf"), 0, 0},     {TEXT("profilenames.inf"), 0, 1},
 };
@@ -38,60 +38,25 @@ constexpr const WCHAR* profile_patterns[] = {TEXT("*.tkp"), TEXT("*.tkd"), TEXT(
 // What the steps of one deployment share.
 struct Deployment {
     const WCHAR* folder_name;
-    WCHAR model[256];
+    WCHAR model[deploy_path_capacity]; // one that was cut has no room in any path
     int with_tools;
-    WCHAR source_root[256];                     // the current folder
-    WCHAR install_folder[deploy_path_capacity]; // with a backslash at its end
-    WCHAR group_folder[deploy_path_capacity];   // without
+    WCHAR source_root[256]; // the current folder
+    InstallFolder install_folder;
 };
 
-// A hostile package must not choose where an administrator's files go.
-int names_are_plain(Deployment* deployment, const char* model_name) {
-    if (!is_plain_name(deployment->folder_name)) {
-        log_failure_within(deploy_line_capacity, TEXT("not a folder name: %s\r\n"), deployment->folder_name);
-        return 0;
-    }
-    if (!widen(deployment->model, std::size(deployment->model), model_name) ||
-        !is_plain_name(deployment->model)) {
-        log_failure_within(deploy_line_capacity, TEXT("not a folder name: %S\r\n"), model_name);
-        return 0;
-    }
-    return 1;
-}
-
-void log_path(const WCHAR* path) {
-    log_write(app.log_handle, path);
-    log_write(app.log_handle, TEXT("\r\n"));
-}
-
-// Makes one level below an existing folder. That it may be there already is no failure, and neither is any
-// other: what is copied into a missing folder tells.
-void make_program_folder(WCHAR* out, const WCHAR* base, const WCHAR* name) {
-    const int fits = format_text(out, deploy_path_capacity, TEXT("%s\\%s"), base, name);
-    log_path(out);
-    if (fits)
-        CreateDirectoryW(out, nullptr);
-}
-
-void make_group_folder(WCHAR* out, const WCHAR* base, const WCHAR* name) {
-    if (format_text(out, deploy_path_capacity, TEXT("%s\\%s"), base, name))
-        CreateDirectoryW(out, nullptr);
-}
-
-int make_program_folders(Deployment* deployment, const char* model_name) {
-    WCHAR* program_files = find_known_folder(FOLDERID_ProgramFiles, TEXT("ProgramFiles"));
-    if (program_files == nullptr)
-        return 0;
-    log_line_within(deploy_line_capacity, TEXT("ProgramFiles %s\r\n"), program_files);
-    const int plain = names_are_plain(deployment, model_name);
-    if (plain) {
-        WCHAR maker_folder[deploy_path_capacity];
-        make_program_folder(maker_folder, program_files, deployment->folder_name);
-        make_program_folder(deployment->install_folder, maker_folder, deployment->model);
-        append_text(deployment->install_folder, std::size(deployment->install_folder), TEXT("\\"));
-    }
-    CoTaskMemFree(program_files);
-    return plain;
+// A file from a write-protected medium brings its attribute along, and the platform refuses to write over it
+// then.
+BOOL copy_over(const WCHAR* source, const WCHAR* target) {
+    if (CopyFileW(source, target, FALSE))
+        return TRUE;
+    const DWORD error = GetLastError();
+    const DWORD attributes =
+        error == ERROR_ACCESS_DENIED ? GetFileAttributesW(target) : INVALID_FILE_ATTRIBUTES;
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0 &&
+        SetFileAttributesW(target, attributes & ~DWORD{FILE_ATTRIBUTE_READONLY}))
+        return CopyFileW(source, target, FALSE);
+    SetLastError(error);
+    return FALSE;
 }
 
 // A file that may be missing and is has its line all the same; only that is no failed step.
@@ -101,11 +66,8 @@ int copy_file(const WCHAR* source_folder, const WCHAR* source_name, const WCHAR*
     WCHAR source[deploy_path_capacity];
     int fits = format_text(target, std::size(target), TEXT("%s%s"), target_folder, target_name);
     fits &= format_text(source, std::size(source), TEXT("%s%s"), source_folder, source_name);
-    log_write(app.log_handle, TEXT("Copy "));
-    log_write(app.log_handle, source);
-    log_write(app.log_handle, TEXT(" to "));
-    log_path(target);
-    const BOOL result = fits ? CopyFileW(source, target, FALSE) : FALSE;
+    log_texts(TEXT("Copy "), source, TEXT(" to "), target);
+    const BOOL result = fits ? copy_over(source, target) : FALSE;
     if (result)
         return 1;
     const DWORD error = fits ? GetLastError() : ERROR_FILENAME_EXCED_RANGE;
@@ -121,7 +83,7 @@ int copy_rows(const Deployment* deployment, const WCHAR* source_folder, const Pa
         const PackageFile* row = &rows[i];
         if (row->tools_only && !deployment->with_tools)
             continue;
-        if (!copy_file(source_folder, row->name, deployment->install_folder, row->name, row->optional) &&
+        if (!copy_file(source_folder, row->name, deployment->install_folder.path, row->name, row->optional) &&
             !row->optional)
             return 0;
     }
@@ -132,7 +94,7 @@ int copy_rows(const Deployment* deployment, const WCHAR* source_folder, const Pa
 int copy_driver_inf(const Deployment* deployment, const WCHAR* source_folder, const char* inf_file) {
     WCHAR name[deploy_path_capacity];
     WCHAR target[deploy_path_capacity];
-    if (format_text(target, std::size(target), TEXT("%s%s"), deployment->install_folder, TEXT("inf")))
+    if (format_text(target, std::size(target), TEXT("%s%s"), deployment->install_folder.path, TEXT("inf")))
         CreateDirectoryW(target, nullptr);
     append_text(target, std::size(target), TEXT("\\"));
     widen(name, std::size(name), inf_file);
@@ -142,20 +104,21 @@ int copy_driver_inf(const Deployment* deployment, const WCHAR* source_folder, co
 int copy_program_files(const Deployment* deployment, const char* inf_file) {
     WCHAR source[deploy_path_capacity];
     const WCHAR* root = deployment->source_root;
-    format_text(source, std::size(source), TEXT("%s\\%s\\"), root, TEXT("wrenchbay"));
+    format_text(source, std::size(source), TEXT("%s\\%s\\"), root, tools_folder);
     if (!copy_rows(deployment, source, program_rows, std::size(program_rows)))
         return 0;
-    format_text(source, std::size(source), TEXT("%s\\%s\\32-bit\\"), root, TEXT("Drivers"));
+    format_text(source, std::size(source), TEXT("%s\\%s\\32-bit\\"), root, driver_folder);
     if (!copy_rows(deployment, source, library_rows, std::size(library_rows)))
         return 0;
-    format_text(source, std::size(source), TEXT("%s\\%s\\"), root, TEXT("Drivers"));
+    format_text(source, std::size(source), TEXT("%s\\%s\\"), root, driver_folder);
     return copy_driver_inf(deployment, source, inf_file);
 }
 
 // Profiles are a matter of the medium: none, some or all of the patterns may have files.
 void copy_profiles(const Deployment* deployment) {
     WCHAR target[deploy_path_capacity];
-    if (!format_text(target, std::size(target), TEXT("%s%s"), deployment->install_folder, TEXT("profiles")))
+    if (!format_text(target, std::size(target), TEXT("%s%s"), deployment->install_folder.path,
+                     TEXT("profiles")))
         return;
     CreateDirectoryW(target, nullptr);
     if (!append_text(target, std::size(target), TEXT("\\")))
@@ -168,21 +131,15 @@ void copy_profiles(const Deployment* deployment) {
     }
 }
 
-int make_start_menu_group(Deployment* deployment, const WCHAR* driver_name) {
+int make_start_menu_group(const Deployment* deployment, const WCHAR* driver_name) {
     WCHAR* programs = find_known_folder(FOLDERID_CommonPrograms, TEXT("CommonPrograms"));
     if (programs == nullptr)
         return 0;
     log_line_within(deploy_line_capacity, TEXT("program folder: %s\r\n"), programs);
-    const int newer_system = is_os_newer_than();
-    WCHAR maker_group[deploy_path_capacity];
-    make_group_folder(maker_group, programs, deployment->folder_name);
-    make_group_folder(deployment->group_folder, maker_group, deployment->model);
+    WCHAR group[deploy_path_capacity];
+    make_model_folder(group, programs, deployment->folder_name, deployment->model, {0, 0});
     CoTaskMemFree(programs);
-    create_shortcut(newer_system, deployment->install_folder, driver_name, deployment->group_folder,
-                    TEXT("Uninstall"), TEXT("trk_remove.exe"));
-    if (deployment->with_tools)
-        create_shortcut(newer_system, deployment->install_folder, driver_name, deployment->group_folder,
-                        TEXT("Wrenchbay"), TEXT("wrenchbay.exe"));
+    create_model_shortcuts(deployment->install_folder.path, driver_name, group, deployment->with_tools);
     return 1;
 }
 
@@ -202,7 +159,9 @@ int deploy_program_files(const WCHAR* folder_name, const WCHAR* driver_name, con
     Deployment deployment = {};
     deployment.folder_name = folder_name;
     deployment.with_tools = with_tools;
-    if (!make_program_folders(&deployment, model_name))
+    widen(deployment.model, std::size(deployment.model), model_name);
+    if (!make_install_folder(&deployment.install_folder, folder_name, deployment.model, 0) ||
+        !deployment.install_folder.plain)
         return 0;
     if (!get_current_folder(deployment.source_root, static_cast<DWORD>(std::size(deployment.source_root)))) {
         log_failure(TEXT("current folder too long\r\n"));
@@ -220,10 +179,7 @@ int copy_package_file(const WCHAR* source_folder, const WCHAR* source_name, cons
 }
 
 int copyDirFiles(const WCHAR* source, const WCHAR* target) {
-    log_write(app.log_handle, TEXT("copyDirFiles "));
-    log_write(app.log_handle, source);
-    log_write(app.log_handle, TEXT(" to "));
-    log_path(target);
+    log_texts(TEXT("copyDirFiles "), source, TEXT(" to "), target);
     if (text_length(source) >= deploy_path_capacity || text_length(target) >= deploy_path_capacity) {
         step_failed(source);
         return ERROR_FILENAME_EXCED_RANGE;

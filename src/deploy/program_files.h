@@ -3,13 +3,6 @@
 
 #include <windows.h>
 
-#include <cstddef>
-
-// Room of a path and of a log line of the deployment, in characters. A folder that was cut at this capacity
-// has no room for any name behind it, so that every file step below it is refused as well.
-constexpr size_t deploy_path_capacity = 512;
-constexpr size_t deploy_line_capacity = 512;
-
 // Lays down <Program Files>\<folder_name>\<model_name> from the current folder, with the tools if asked, and
 // then the Start-menu group with its shortcuts. 1 when it ran to its end, 0 when it stopped: a known folder
 // is missing, a file that must be there couldn't be copied, or one of the two names isn't one plain folder
@@ -17,8 +10,8 @@ constexpr size_t deploy_line_capacity = 512;
 int deploy_program_files(const WCHAR* folder_name, const WCHAR* driver_name, const char* inf_file,
                          const char* model_name, int with_tools);
 
-// Copies one file, overwriting; both folders end in a backslash. 1, or 0 with a line in the log, which has
-// code 206 when a path has more than 511 characters.
+// Copies one file, overwriting, also over a read-only one; both folders end in a backslash. 1, or 0 with a
+// line in the log, which has code 206 when a path has more than 511 characters.
 int copy_package_file(const WCHAR* source_folder, const WCHAR* source_name, const WCHAR* target_folder,
                       const WCHAR* target_name);
 

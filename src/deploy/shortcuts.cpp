@@ -3,6 +3,7 @@
 #include <objbase.h>
 #include <shlobj.h>
 
+#include "deploy/model_folders.h"
 #include "support/install_log.h"
 #include "support/known_folder.h"
 #include "support/text.h"
@@ -12,9 +13,6 @@
 #include <iterator>
 
 namespace {
-
-constexpr size_t path_capacity = 512;
-constexpr size_t line_capacity = 512;
 
 int save_link(IShellLinkW* link, const WCHAR* link_path) {
     IPersistFile* file = nullptr;
@@ -29,34 +27,26 @@ int save_link(IShellLinkW* link, const WCHAR* link_path) {
     return result >= 0;
 }
 
-// Goes on to the next folder in any case, so that only `path` itself matters to the caller.
-void create_group_folder(WCHAR* path, const WCHAR* name) {
-    BOOL result = FALSE;
-    DWORD error = ERROR_FILENAME_EXCED_RANGE;
-    if (append_text(path, path_capacity, TEXT("\\")) && append_text(path, path_capacity, name)) {
-        result = CreateDirectoryW(path, nullptr);
-        error = GetLastError();
-    }
-    if (!result)
-        log_line(TEXT("create dir failed %d %s %d\r\n"), result, path, error);
-    if (!result && error != ERROR_ALREADY_EXISTS)
-        line_failed();
-}
-
 } // namespace
 
 int create_shortcut(int newer_system, const WCHAR* install_folder, const WCHAR* driver_name,
                     const WCHAR* group_folder, const WCHAR* label, const WCHAR* file_name) {
-    WCHAR target[path_capacity];
-    WCHAR name[path_capacity];
-    WCHAR link_path[path_capacity];
+    WCHAR target[deploy_path_capacity];
+    WCHAR name[deploy_path_capacity];
+    WCHAR link_path[deploy_path_capacity];
     // The install folder ends in a backslash already; the second one is the target's usual form.
-    int fits = format_text(target, std::size(target), TEXT("%s\\%s"), install_folder, file_name);
-    fits &= newer_system ? format_text(name, std::size(name), TEXT("%s %s"), driver_name, label)
-                         : copy_text(name, std::size(name), label);
-    fits &= format_text(link_path, std::size(link_path), TEXT("%s\\%s.lnk"), group_folder, name);
-    log_line_within(line_capacity, TEXT("create sc [%s] [%s] [%s]\r\n"), target, link_path, name);
-    if (!fits || !is_plain_name(name)) {
+    const int target_fits = format_text(target, std::size(target), TEXT("%s\\%s"), install_folder, file_name);
+    int link_fits = newer_system ? format_text(name, std::size(name), TEXT("%s %s"), driver_name, label)
+                                 : copy_text(name, std::size(name), label);
+    link_fits &= format_text(link_path, std::size(link_path), TEXT("%s\\%s.lnk"), group_folder, name) &&
+                 text_length(link_path) < MAX_PATH; // what the shell can save
+    log_line_within(deploy_line_capacity, TEXT("create sc [%s] [%s] [%s]\r\n"), target, link_path, name);
+    if (!link_fits || !target_fits) {
+        log_failure_within(deploy_line_capacity, TEXT("shortcut path too long: %s\r\n"),
+                           link_fits ? target : link_path);
+        return 0;
+    }
+    if (!is_plain_name(name)) {
         step_failed(link_path);
         return 0;
     }
@@ -85,10 +75,8 @@ int create_menu_group(const WCHAR* folder_name, const WCHAR* model_text) {
     if (programs == nullptr)
         return 0;
     log_line(TEXT("program folder: [%s]\r\n"), programs);
-    WCHAR path[path_capacity];
-    copy_text(path, std::size(path), programs);
+    WCHAR group[deploy_path_capacity];
+    make_model_folder(group, programs, folder_name, model_text, {0, 1});
     CoTaskMemFree(programs);
-    create_group_folder(path, folder_name);
-    create_group_folder(path, model_text);
     return 1;
 }

@@ -5,7 +5,8 @@
 
 // Makes a shortcut to `file_name` of the install folder in the group folder. On a newer system it is named
 // after driver and label, else after the label alone. create_link_file's result; 0 without a try when the
-// name isn't one plain file name or a path is longer than 511 characters.
+// name isn't one plain file name, or, with a line in the log, when the target is longer than 511 characters
+// or the link's path than 259.
 int create_shortcut(int newer_system, const WCHAR* install_folder, const WCHAR* driver_name,
                     const WCHAR* group_folder, const WCHAR* label, const WCHAR* file_name);
 

@@ -4,6 +4,7 @@
 #include "support/text.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 
 namespace {
@@ -27,22 +28,31 @@ BYTE* put_ansi(BYTE* place, const char* text) {
     return place;
 }
 
-// The attribute text of a datagram, terminated; empty when the datagram ends before it.
-void take_attribute_text(const BYTE* datagram, int length, char* text, int capacity) {
+// The attribute text of a datagram, terminated, and its length; empty when the datagram ends before it.
+size_t take_attribute_text(const BYTE* datagram, int length, char* text, int capacity) {
     const int room = std::min(length - text_offset, capacity - 1);
-    int used = 0;
-    for (; used < room && datagram[text_offset + used] != 0; ++used)
-        text[used] = static_cast<char>(datagram[text_offset + used]);
+    if (room <= 0) {
+        text[0] = 0;
+        return 0;
+    }
+    const BYTE* const start = datagram + text_offset;
+    const void* const end = std::memchr(start, 0, static_cast<size_t>(room));
+    const auto used = static_cast<size_t>(end != nullptr ? static_cast<const BYTE*>(end) - start : room);
+    std::memcpy(text, start, used);
     text[used] = 0;
+    return used;
 }
 
-// Ends the text at the name's closing parenthesis.
+// What stands behind the first key up to the closing parenthesis, or nothing. Ends the text there.
 void take_printer_name(char* text, char* name) {
-    char* end = text;
-    while (*end != 0 && *end != ')')
-        ++end;
-    *end = 0;
-    copy_ansi(name, printer_name_capacity, text);
+    name[0] = 0;
+    const char* const key = find_in_names(text, name_key);
+    if (key == nullptr)
+        return;
+    char* const value = text + (key - text) + std::size(name_key) - 1;
+    if (char* const end = std::strchr(value, ')'))
+        *end = 0;
+    copy_ansi(name, printer_name_capacity, value);
 }
 
 // 16 bits with the low byte first, as the header's line has always shown them.
@@ -96,15 +106,15 @@ int read_slp_reply(const BYTE* datagram, int length, const char* model_tag, DWOR
     if (length <= 0)
         return 0;
     char text[longest_datagram - text_offset + 1];
-    take_attribute_text(datagram, length, text, static_cast<int>(std::size(text)));
+    const size_t text_length = take_attribute_text(datagram, length, text, static_cast<int>(std::size(text)));
+    const int matches = find_in_names(text, model_tag) != nullptr;
+    blank_controls(text, text_length); // a printer may not end a line of the log, nor move a row's column
     log_line_within(echo_capacity, TEXT("%S\r\n"), text);
-    if (find_ansi(text, model_tag) == nullptr)
+    if (!matches)
         return 0;
     format_ansi(address, printer_address_capacity, "%d.%d.%d.%d", sender & 0xff, sender >> 8 & 0xff,
                 sender >> 16 & 0xff, sender >> 24);
-    name[0] = 0;
-    if (const char* found = find_ansi(text, name_key))
-        take_printer_name(text + (found - text) + std::size(name_key) - 1, name);
+    take_printer_name(text, name);
     log_line(TEXT("Printer found %S %S\r\n"), address, name);
     return 1;
 }

@@ -20,8 +20,9 @@ DWORD read_be_number(int count, const BYTE* bytes);
 
 // Looks into a datagram of `length` bytes for a printer whose attribute text holds `model_tag`, exactly: 1
 // with the sender's dotted address and the name behind the first "printer-name=" (empty without one), else 0.
-// `sender` is in network order. Every text is echoed to the log, match or not. The text begins at a fixed
-// place and ends at its first NUL or with the datagram; no field in front of it is looked at.
+// `sender` is in network order. Every text is echoed to the log, match or not, and its control characters
+// come out as blanks, in the name too. The text begins at a fixed place and ends at its first NUL or with the
+// datagram; no field in front of it is looked at.
 int read_slp_reply(const BYTE* datagram, int length, const char* model_tag, DWORD sender,
                    char* address /*printer_address_capacity*/, char* name /*printer_name_capacity*/);
 

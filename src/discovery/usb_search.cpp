@@ -26,10 +26,6 @@ struct Search {
     int count;
 };
 
-WCHAR upper_letter(WCHAR letter) {
-    return letter >= 'a' && letter <= 'z' ? static_cast<WCHAR>(letter - 'a' + 'A') : letter;
-}
-
 // The text behind a product id up to a '#', which ends it in a device path. Capital letters on demand: an
 // identifier has them by itself.
 void take_instance(const WCHAR* product_id, int capitals, WCHAR* instance) {
@@ -37,7 +33,7 @@ void take_instance(const WCHAR* product_id, int capitals, WCHAR* instance) {
     if (product_id != nullptr && text_length(product_id) >= product_id_length) {
         const WCHAR* text = product_id + product_id_length;
         for (; text[used] != 0 && text[used] != '#' && used + 1 < instance_capacity; ++used)
-            instance[used] = capitals ? upper_letter(text[used]) : text[used];
+            instance[used] = capitals ? change_case(text[used], 'a', 'A') : text[used];
     }
     instance[used] = 0;
 }
@@ -80,12 +76,11 @@ int key_has_port(HKEY key, DWORD port_number) {
         log_line(TEXT("Base Name read failed\r\n"));
         return 0;
     }
-    log_write(app.log_handle, base_name);
-    log_write(app.log_handle, TEXT("\r\n"));
+    log_text(base_name);
     if (find_text(base_name, TEXT("USB")) == nullptr)
         return 0;
     DWORD number = 0;
-    if (!read_registry_number(key, TEXT("Port Number"), &number)) {
+    if (!read_registry_number(key, TEXT("Port Number"), sizeof number, &number)) {
         log_line(TEXT("Port Number read failed\r\n"));
         return 0;
     }
@@ -97,8 +92,7 @@ int visit_port(const UsbInterfaceView* view, void* context) {
     log_line(TEXT("Device # %u has the name %s\n"), view->index, view->path);
     WCHAR key_path[key_path_capacity];
     const int fits = form_key_path(key_path, std::size(key_path), view->path);
-    log_write(app.log_handle, key_path);
-    log_write(app.log_handle, TEXT("\r\n"));
+    log_text(key_path);
     HKEY key = nullptr;
     if (!fits || RegOpenKeyExW(HKEY_LOCAL_MACHINE, key_path, 0, KEY_READ, &key) != ERROR_SUCCESS) {
         log_line(TEXT("key failed\r\n"));

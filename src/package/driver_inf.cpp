@@ -1,12 +1,14 @@
 #include "package/driver_inf.h"
 
 #include "package/package_file.h"
+#include "state/names.h"
 #include "support/current_folder.h"
 #include "support/install_log.h"
 #include "support/text.h"
 
 #include <shlwapi.h>
 
+#include <cstring>
 #include <iterator>
 
 namespace {
@@ -30,8 +32,7 @@ int ends_entry(char character) {
 const char* copy_part(char* out, int size, const char* text, size_t length) {
     const size_t limit = static_cast<size_t>(size) - 1;
     const size_t taken = length <= limit ? length : whole_ansi_length(text, limit);
-    for (size_t i = 0; i < taken; ++i)
-        out[i] = text[i];
+    std::memcpy(out, text, taken);
     out[taken] = 0;
     return text + taken;
 }
@@ -71,7 +72,7 @@ const char* find_models_header(const char* place, const InfFields* fields) {
         ++length;
     name[0] = '[';
     const char* behind = copy_part(name + 1, fields->manu_size - 1, entry, length);
-    const char* header = find_ansi(behind, name);
+    const char* header = find_in_names(behind, name);
     for (size_t i = 0; name[i] != 0; ++i)
         name[i] = name[i + 1];
     log_line(TEXT("manuName:%S\r\n"), name);
@@ -108,25 +109,40 @@ int scan_model_name(const char* place, const InfFields* fields) {
     return 1;
 }
 
+int read_inf_file(const WCHAR* path, const InfFields* fields) {
+    const HANDLE file = open_package_file(path);
+    if (file == INVALID_HANDLE_VALUE) {
+        log_failure(TEXT("file open failed\r\n"));
+        return 0;
+    }
+    Chunk chunk;
+    const char* text = find_in_chunks(file, class_text, chunk);
+    const int accepted = text != nullptr && scan_inf_driver(text, fields);
+    CloseHandle(file);
+    return accepted;
+}
+
 struct InfSearch {
     WCHAR folder[path_capacity];
     WCHAR pattern[path_capacity];
 };
 
 // The folder to search, with its closing backslash, and the pattern below it: 0 when they don't fit, which
-// the search takes like a folder that isn't there.
+// the search takes like a folder that isn't there. What has room of the pattern stands there all the same.
 int compose_search(InfSearch* search, int use_drivers_folder, int use_inf_folder) {
+    WCHAR current[MAX_PATH];
     search->pattern[0] = 0;
-    WCHAR current[path_capacity];
     if (!get_current_folder(current, static_cast<DWORD>(std::size(current))))
         return 0;
-    const WCHAR* subfolder = TEXT("");
+    const WCHAR* subfolder = nullptr;
     if (use_drivers_folder)
-        subfolder = TEXT("Drivers\\");
+        subfolder = driver_folder;
     else if (use_inf_folder)
-        subfolder = TEXT("inf\\");
-    return format_text(search->folder, std::size(search->folder), TEXT("%s\\%s"), current, subfolder) &&
-           format_text(search->pattern, std::size(search->pattern), TEXT("%s*.inf"), search->folder);
+        subfolder = TEXT("inf");
+    const WCHAR* const separator = subfolder != nullptr ? TEXT("\\") : nullptr;
+    const int fits = format_text(search->folder, std::size(search->folder), TEXT("%s\\%s%s"), current,
+                                 subfolder, separator);
+    return format_text(search->pattern, std::size(search->pattern), TEXT("%s*.inf"), search->folder) && fits;
 }
 
 // Works off a search that has found its first entry, in the order in which the file system delivers.
@@ -136,9 +152,7 @@ int search_inf_files(HANDLE search, const WCHAR* folder, WIN32_FIND_DATAW* entry
         WCHAR path[path_capacity];
         int accepted = 0;
         if (format_text(path, std::size(path), TEXT("%s%s"), folder, entry->cFileName))
-            accepted = read_inf_driver(path, fields->driver_name, fields->driver_size, fields->manu_name,
-                                       fields->manu_size, fields->mdl_name, fields->mdl_size, fields->version,
-                                       fields->has_usb);
+            accepted = read_inf_file(path, fields);
         else
             log_failure(TEXT("file open failed\r\n"));
         if (accepted) {
@@ -179,18 +193,9 @@ int scan_inf_driver(const char* text, const InfFields* fields) {
 
 int read_inf_driver(const WCHAR* path, char* driverName, int driver_size, char* manuName, int manu_size,
                     char* mdlName, int mdl_size, DriverVersion* version, DWORD* hasUSB) {
-    const HANDLE file = open_package_file(path);
-    if (file == INVALID_HANDLE_VALUE) {
-        log_failure(TEXT("file open failed\r\n"));
-        return 0;
-    }
     const InfFields fields = {driverName, driver_size, manuName, manu_size,
                               mdlName,    mdl_size,    version,  hasUSB};
-    Chunk chunk;
-    const char* text = find_in_chunks(file, class_text, chunk);
-    const int accepted = text != nullptr && scan_inf_driver(text, &fields);
-    CloseHandle(file);
-    return accepted;
+    return read_inf_file(path, &fields);
 }
 
 int find_driver_inf(char* driverName, int driver_size, char* manuName, int manu_size, char* mdlName,
@@ -198,7 +203,7 @@ int find_driver_inf(char* driverName, int driver_size, char* manuName, int manu_
                     DriverVersion* version, DWORD* hasUSB, int use_inf_folder) {
     InfSearch search;
     const int usable = compose_search(&search, use_drivers_folder, use_inf_folder);
-    log_line(TEXT("%s\r\n"), search.pattern);
+    log_text(search.pattern);
 
     WIN32_FIND_DATAW entry = {};
     const HANDLE handle = usable ? FindFirstFileW(search.pattern, &entry) : INVALID_HANDLE_VALUE;
@@ -217,9 +222,7 @@ int get_current_folder_name(char* name) {
     WCHAR folder[MAX_PATH];
     if (get_current_folder(folder, static_cast<DWORD>(std::size(folder))))
         PathStripPathW(folder);
-    log_write(app.log_handle, TEXT("cwd "));
-    log_write(app.log_handle, folder);
-    log_write(app.log_handle, TEXT("\r\n"));
+    log_texts(TEXT("cwd "), folder, nullptr, nullptr);
     narrow(name, folder_name_capacity, folder);
     return 1;
 }

@@ -1,6 +1,7 @@
 #include "package/media_table.h"
 
 #include "package/package_file.h"
+#include "state/names.h"
 #include "support/install_log.h"
 #include "support/text.h"
 
@@ -48,7 +49,7 @@ DWORD set_data(HANDLE printer, const char* key, const char* name, DWORD type, co
 void load_media_table(HANDLE printer) {
     if (queue_has_table(printer))
         return;
-    const HANDLE file = open_below_current_folder(TEXT("\\wrenchbay\\media.inf"), path_capacity);
+    const HANDLE file = open_below_current_folder(tools_folder, TEXT("media.inf"), path_capacity);
     if (file == INVALID_HANDLE_VALUE) {
         log_failure(TEXT("failed to open media.inf\r\n"));
         return;

@@ -72,8 +72,7 @@ void scan_monitor_info(const char* text, MonitorInfo* info) {
     const char* place = scan_value(text, "name=", info->name, std::size(info->name));
     if (place == nullptr)
         return;
-    log_write(app.log_handle, info->name);
-    log_write(app.log_handle, TEXT("\r\n"));
+    log_text(info->name);
     place = scan_value(place, "prefix=", info->prefix, std::size(info->prefix));
     if (place != nullptr)
         place = scan_value(place, "DLL32=", info->DLL32, std::size(info->DLL32));

@@ -16,13 +16,14 @@ HANDLE open_package_file(const WCHAR* path) {
                        nullptr);
 }
 
-HANDLE open_below_current_folder(const WCHAR* rest, size_t path_capacity) {
+HANDLE open_below_current_folder(const WCHAR* folder_name, const WCHAR* name, size_t path_capacity) {
     WCHAR folder[folder_capacity];
     WCHAR path[MAX_PATH];
     if (path_capacity > std::size(path))
         path_capacity = std::size(path);
+    const WCHAR* const separator = folder_name != nullptr ? TEXT("\\") : nullptr;
     if (!get_current_folder(folder, static_cast<DWORD>(std::size(folder))) ||
-        !format_text(path, path_capacity, TEXT("%s%s"), folder, rest))
+        !format_text(path, path_capacity, TEXT("%s%s%s\\%s"), folder, separator, folder_name, name))
         return INVALID_HANDLE_VALUE;
     return open_package_file(path);
 }

@@ -13,9 +13,9 @@ using Chunk = char[chunk_bytes + 1];
 // Opens for reading; others may read meanwhile. INVALID_HANDLE_VALUE when it can't be opened.
 HANDLE open_package_file(const WCHAR* path);
 
-// The same for <current folder><rest>, where the rest begins with a backslash. A path that needs more than
-// `path_capacity` characters, at most 260, counts as a file that can't be opened.
-HANDLE open_below_current_folder(const WCHAR* rest, size_t path_capacity);
+// The same for a file of the current folder, or of a folder in it where `folder_name` isn't null. A path that
+// needs more than `path_capacity` characters, at most 260, counts as a file that can't be opened.
+HANDLE open_below_current_folder(const WCHAR* folder_name, const WCHAR* name, size_t path_capacity);
 
 // Reads the next piece and terminates it: its bytes, or 0 at the end of the file and when the read fails,
 // with an empty text.

@@ -1,6 +1,7 @@
 #include "package/profile_names.h"
 
 #include "package/package_file.h"
+#include "state/names.h"
 #include "support/install_log.h"
 #include "support/text.h"
 
@@ -53,7 +54,7 @@ DWORD find_field(HANDLE file, const WCHAR* section, const WCHAR* key, WCHAR* val
 }
 
 DWORD read_field(const WCHAR* section, const WCHAR* key, WCHAR* value, DWORD value_size) {
-    const HANDLE file = open_below_current_folder(TEXT("\\wrenchbay\\profilenames.inf"), path_capacity);
+    const HANDLE file = open_below_current_folder(tools_folder, TEXT("profilenames.inf"), path_capacity);
     if (file == INVALID_HANDLE_VALUE)
         return 0;
     SetFilePointer(file, mark_bytes, nullptr, FILE_BEGIN);

@@ -2,6 +2,7 @@
 
 #include "package/languages.h"
 #include "package/package_file.h"
+#include "state/names.h"
 #include "support/install_log.h"
 #include "support/text.h"
 
@@ -107,8 +108,8 @@ DWORD read_setting(const char* section, const char* key, char* value, DWORD valu
     if (value_size == 0)
         return 0;
     value[0] = 0;
-    const WCHAR* rest = file_flag ? TEXT("\\settings.inf") : TEXT("\\wrenchbay\\settings.inf");
-    const HANDLE file = open_below_current_folder(rest, path_capacity);
+    const HANDLE file =
+        open_below_current_folder(file_flag ? nullptr : tools_folder, TEXT("settings.inf"), path_capacity);
     if (file == INVALID_HANDLE_VALUE)
         return 0;
     const DWORD length = find_setting(file, section, key, value, value_size);

@@ -27,14 +27,34 @@ struct MenuGroups {
     int model_fits;
 };
 
-// A copy without one backslash at its end: 1, or 0 when nothing is left or it doesn't fit.
+// Whether the path is "C:\\" and plain names behind it, so that it names one folder and neither a drive nor
+// several things. Takes the path apart.
+int is_folder_path(WCHAR* path) {
+    if (text_length(path) < 3 || change_case(path[0], 'a', 'A') < 'A' ||
+        change_case(path[0], 'a', 'A') > 'Z' || path[1] != ':' || path[2] != '\\')
+        return 0;
+    WCHAR* name = path + 3;
+    for (WCHAR* place = name; *place != 0; ++place) {
+        if (*place != '\\')
+            continue;
+        *place = 0;
+        if (!is_plain_name(name))
+            return 0;
+        name = place + 1;
+    }
+    return is_plain_name(name);
+}
+
+// A copy without one backslash at its end: 1, or 0 when it isn't the path of a folder or doesn't fit.
 int take_folder(WCHAR* out, const WCHAR* folder) {
     if (!copy_text(out, removal_path_capacity, folder))
         return 0;
     const size_t length = text_length(out);
     if (length > 0 && out[length - 1] == '\\')
         out[length - 1] = 0;
-    return out[0] != 0;
+    WCHAR parts[removal_path_capacity];
+    copy_text(parts, std::size(parts), out);
+    return is_folder_path(parts);
 }
 
 int find_menu_groups(MenuGroups* groups, const WCHAR* folder_name, const WCHAR* model) {
@@ -71,11 +91,17 @@ void remove_packages(const char* inf_name) {
     }
 }
 
-// 1 when the 8-bit form stands for exactly this name; one with replaced characters could stand for others
-// too.
-int narrow_name(char* out, size_t capacity, const WCHAR* name) {
-    WCHAR back[MAX_PATH];
-    return narrow(out, capacity, name) && widen(back, std::size(back), out) && lstrcmpW(back, name) == 0;
+// Of two texts that are alike but for case: whether their double-byte characters are the same. The second
+// byte of such a character may have a letter's value and isn't one.
+int same_double_bytes(const char* first, const char* second, DWORD length) {
+    for (DWORD i = 0; i + 1 < length; ++i) {
+        if (!IsDBCSLeadByte(static_cast<BYTE>(first[i])))
+            continue;
+        ++i;
+        if (first[i] != second[i])
+            return 0;
+    }
+    return 1;
 }
 
 // The first entry from `found` on whose name begins with the INF's: 1 with its path, or 0.
@@ -83,8 +109,9 @@ int match_store_folder(HANDLE search, WIN32_FIND_DATAW* found, const char* inf_n
     const auto length = static_cast<DWORD>(ansi_length(inf_name));
     do {
         char folder[inf_name_capacity];
-        narrow(folder, std::size(folder), found->cFileName);
-        if (compare_text_nocase(folder, inf_name, length) != 0)
+        if (!narrow_name(folder, std::size(folder), found->cFileName) ||
+            compare_text_nocase(folder, inf_name, length) != 0 ||
+            !same_double_bytes(folder, inf_name, length))
             continue;
         if (!format_text(inf_path, removal_path_capacity, TEXT("%s%s\\%S"), store_root, found->cFileName,
                          inf_name))
@@ -93,11 +120,6 @@ int match_store_folder(HANDLE search, WIN32_FIND_DATAW* found, const char* inf_n
         return 1;
     } while (FindNextFileW(search, found));
     return 0;
-}
-
-int small_letter(char letter) {
-    const int value = static_cast<unsigned char>(letter);
-    return value >= 'A' && value <= 'Z' ? value - 'A' + 'a' : value;
 }
 
 } // namespace
@@ -114,7 +136,7 @@ int remove_installation(const WCHAR* install_folder, const WCHAR* folder_name, c
     if (!find_menu_groups(&groups, folder_name, model))
         return 0;
     remove_menu_groups(&groups);
-    log_line_within(path_line_capacity, TEXT("del dir %s\r\n"), folder);
+    log_line_within(path_line_capacity, TEXT("del dir %s\r\n"), install_folder);
     // The INF's name is known from the folder alone, so the package goes first.
     char inf_name[inf_name_capacity];
     if (find_package_inf(folder, inf_name))
@@ -194,8 +216,10 @@ int remove_driver_package(const WCHAR* inf_path) {
 
 int compare_text_nocase(const char* first, const char* second, DWORD count) {
     for (DWORD i = 0; i < count; ++i) {
-        const int difference = small_letter(first[i]) - small_letter(second[i]);
-        if (difference != 0 || first[i] == 0)
+        const BYTE one = static_cast<BYTE>(first[i]);
+        const BYTE other = static_cast<BYTE>(second[i]);
+        const int difference = change_case(one, 'A', 'a') - change_case(other, 'A', 'a');
+        if (difference != 0 || one == 0)
             return difference;
     }
     return 0;

@@ -11,9 +11,9 @@ constexpr size_t inf_name_capacity = 512;
 constexpr size_t removal_path_capacity = 512;
 
 // Removes the group, the maker's group if nothing else is in it, every package of the folder's INF and the
-// folder; one backslash at the end of `install_folder` does no harm. The names are those that the deployment
-// got. 0 when there is nothing that could be removed by these names, or the Start menu isn't found, and then
-// nothing was touched; else 1, whatever became of the single steps.
+// folder, which is named from its drive on by plain names; one backslash at its end does no harm. The names
+// are those that the deployment got. 0 when there is nothing that could be removed by these names, or the
+// Start menu isn't found, and then nothing was touched; else 1, whatever became of the single steps.
 int remove_installation(const WCHAR* install_folder, const WCHAR* folder_name, const char* model_name);
 
 // Deletes a folder with all that is in it, without asking and past the recycle bin. The shell's result, 0 on
@@ -31,6 +31,6 @@ int get_store_inf_name(const char* inf_name, WCHAR* inf_path /*removal_path_capa
 // Asks the spooler to remove the package: 1, or 0 with its reason in the log.
 int remove_driver_package(const WCHAR* inf_path);
 
-// Compares at most `count` characters, A to Z as their small letters: 0 when they are alike, or alike up to
+// Compares at most `count` bytes, A to Z as their small letters: 0 when they are alike, or alike up to
 // an end that both share; else the difference of the first two that differ.
 int compare_text_nocase(const char* first, const char* second, DWORD count);

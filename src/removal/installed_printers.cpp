@@ -7,7 +7,7 @@
 #include "removal/usb_ports.h"
 #include "spooler/inventory.h"
 #include "spooler/tcp_port.h"
-#include "state/app_state.h"
+#include "state/names.h"
 #include "support/dialog_text.h"
 #include "support/install_log.h"
 #include "support/text.h"
@@ -16,8 +16,6 @@
 
 namespace {
 
-constexpr WCHAR own_prefix[] = TEXT("TRK_");
-constexpr size_t own_prefix_length = std::size(own_prefix) - 1;
 constexpr size_t line_capacity = 512;
 constexpr size_t port_bytes = 512;
 constexpr size_t usb_letters = 3; // in front of the number of a USB port: "USB001"
@@ -85,8 +83,7 @@ void list_queue(const PRINTER_INFO_2W* queue, HWND dialog, int control, DWORD* c
     else
         format_text(line, std::size(line), TEXT("%s %s- %d jobs"), queue->pPrinterName,
                     show_type ? TEXT("- Net ") : TEXT(""), queue->cJobs);
-    log_write(app.log_handle, line);
-    log_write(app.log_handle, TEXT("\r\n"));
+    log_text(line);
     char text[512];
     narrow(text, std::size(text), line);
     list_add_ansi(dialog, control, text);
@@ -118,7 +115,7 @@ int delete_queue(const WCHAR* queue_name) {
 
 int delete_network_port(const WCHAR* port_name) {
     char name[port_bytes];
-    if (narrow(name, std::size(name), port_name))
+    if (narrow_name(name, std::size(name), port_name)) // another name would be another device's
         return delete_tcp_port(name);
     SetLastError(ERROR_BUFFER_OVERFLOW);
     return 0;
@@ -141,8 +138,8 @@ void delete_port_of(const WCHAR* port_name) {
 void fill_record(QueuePortRecord* record, const WCHAR* port_name) {
     const WCHAR* name = text_of(port_name);
     WCHAR text[std::size(QueuePortRecord{}.port_text)];
-    record->own_port = starts_with(name, own_prefix) ? 1 : 0;
-    copy_text(text, std::size(text), record->own_port ? name + own_prefix_length : name);
+    record->own_port = starts_with(name, own_port_prefix) ? 1 : 0;
+    copy_text(text, std::size(text), record->own_port ? name + (std::size(own_port_prefix) - 1) : name);
     for (WCHAR* letter = text; record->own_port && *letter != 0; ++letter)
         if (*letter == '_')
             *letter = '.';

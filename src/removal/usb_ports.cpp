@@ -72,7 +72,7 @@ int find_present_device(HKEY key, DWORD count, const WCHAR* device_id) {
 
 int search_service(HKEY key, const WCHAR* device_id) {
     DWORD count = 0;
-    if (!read_registry_number(key, TEXT("Count"), &count)) {
+    if (!read_registry_number(key, TEXT("Count"), 0, &count)) {
         log_line(TEXT("error: Count\n"));
         return 0;
     }

@@ -35,8 +35,7 @@ HRESULT upload_package(const WCHAR* inf_path, WCHAR* store_path, DWORD character
 } // namespace
 
 int install_driver_package(const char* driver_name, const WCHAR* inf_path) {
-    log_write(app.log_handle, inf_path);
-    log_write(app.log_handle, TEXT("\r\n"));
+    log_text(inf_path);
     WCHAR name[256];
     if (!widen(name, std::size(name), driver_name)) {
         log_refusal(TEXT("InstallPrinterDriverFromPackage"), name_too_long);

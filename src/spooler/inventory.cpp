@@ -59,12 +59,8 @@ BOOL call_processors(DWORD level, BYTE* records, DWORD size, DWORD* needed, DWOR
     return EnumPrintProcessorsW(nullptr, nullptr, level, records, size, needed, count);
 }
 
-int same_text(const WCHAR* field, const WCHAR* name) {
-    return lstrcmpW(field != nullptr ? field : TEXT(""), name) == 0;
-}
-
-// Logs the entry at the index of a list and gives the field that is compared.
-using ShowEntry = const WCHAR* (*)(DWORD index, const void* records);
+// The field of an entry of a list that is compared; some log the entry.
+using EntryName = const WCHAR* (*)(DWORD index, const void* records);
 
 const WCHAR* show_name(DWORD index, const WCHAR* name) {
     log_line_within(line_capacity, TEXT("%d:%s\r\n"), index, name);
@@ -90,11 +86,28 @@ const WCHAR* show_queue_port(DWORD index, const void* records) {
     return show_name(index, static_cast<const PRINTER_INFO_2W*>(records)[index].pPortName);
 }
 
-// Walks the list up to the entry of that name, and releases it.
-int find_entry(void* records, DWORD count, ShowEntry show, const WCHAR* name) {
-    int found = 0;
-    for (DWORD index = 0; index < count && !found; ++index)
-        found = same_text(show(index, records), name);
+const WCHAR* queue_name(DWORD index, const void* records) {
+    return static_cast<const PRINTER_INFO_1W*>(records)[index].pName;
+}
+
+const WCHAR* driver_name_of(DWORD index, const void* records) {
+    return static_cast<const DRIVER_INFO_6W*>(records)[index].pName;
+}
+
+// The index of the first entry of that name, or `count`.
+DWORD find_entry(const void* records, DWORD count, EntryName name_of, const WCHAR* name) {
+    DWORD index = 0;
+    for (; index < count; ++index) {
+        const WCHAR* const known = name_of(index, records);
+        if (lstrcmpW(known != nullptr ? known : TEXT(""), name) == 0)
+            break;
+    }
+    return index;
+}
+
+// Whether a list has an entry of that name; releases the list.
+int has_entry(void* records, DWORD count, EntryName name_of, const WCHAR* name) {
+    const int found = find_entry(records, count, name_of, name) < count;
     release_bytes(records);
     return found;
 }
@@ -127,23 +140,39 @@ void* enumerate_processors(DWORD level, DWORD* count) {
 int print_processor_exists(const WCHAR* name) {
     DWORD count = 0;
     void* const records = enumerate_processors(1, &count);
-    return find_entry(records, count, show_processor, name);
+    return has_entry(records, count, show_processor, name);
 }
 
 int monitor_exists(const WCHAR* name) {
     DWORD count = 0;
     void* const records = enumerate_monitors(1, &count);
-    return find_entry(records, count, show_monitor, name);
+    return has_entry(records, count, show_monitor, name);
 }
 
 int port_exists(const WCHAR* name) {
     DWORD count = 0;
     void* const records = enumerate_ports(2, &count);
-    return find_entry(records, count, show_port, name);
+    return has_entry(records, count, show_port, name);
 }
 
 int queue_on_port_exists(const WCHAR* port_name) {
     DWORD count = 0;
     void* const records = enumerate_printers(2, &count);
-    return find_entry(records, count, show_queue_port, port_name);
+    return has_entry(records, count, show_queue_port, port_name);
+}
+
+int printer_exists(const WCHAR* name) {
+    DWORD count = 0;
+    void* const records = enumerate_printers(1, &count);
+    return has_entry(records, count, queue_name, name);
+}
+
+int find_installed_driver(const WCHAR* driver_name, DriverVersion* version_out) {
+    DWORD count = 0;
+    void* const records = enumerate_drivers(6, &count);
+    const DWORD index = find_entry(records, count, driver_name_of, driver_name);
+    if (index < count && version_out != nullptr)
+        *version_out = static_cast<const DRIVER_INFO_6W*>(records)[index].dwlDriverVersion;
+    release_bytes(records);
+    return index < count;
 }

@@ -1,6 +1,8 @@
 // What the local spooler holds: whole lists of its records, and questions about single names.
 #pragma once
 
+#include "state/app_state.h"
+
 #include <windows.h>
 
 // One of the spooler's lists at one level: the published records, from the start of the buffer, with their
@@ -11,6 +13,12 @@ void* enumerate_drivers(DWORD level, DWORD* count);    // of the machine's own e
 void* enumerate_monitors(DWORD level, DWORD* count);   // level 1; first logs "EnumMonitors <result> <bytes>"
 void* enumerate_ports(DWORD level, DWORD* count);      // level 2; first logs "EnumPorts <result> <bytes>"
 void* enumerate_processors(DWORD level, DWORD* count); // level 1
+
+// 1 when the spooler has a driver of exactly that name, else 0. With a match its version goes to version_out,
+// which may be null; without one it isn't touched.
+int find_installed_driver(const WCHAR* driver_name, DriverVersion* version_out);
+
+int printer_exists(const WCHAR* name); // 1 when a local queue of exactly that name exists, else 0
 
 // Whether the spooler has an entry of exactly this name, case included: 1 or 0. Each entry that is looked at
 // gets a line in the log, up to the match.

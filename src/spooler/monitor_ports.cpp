@@ -3,9 +3,9 @@
 #include <objbase.h>
 #include <winspool.h>
 
+#include "spooler/port_monitor.h"
 #include "support/install_log.h"
 #include "support/known_folder.h"
-#include "support/platform_gaps.h"
 #include "support/text.h"
 
 #include <failed_step.h>
@@ -86,30 +86,11 @@ HANDLE open_monitor(const WCHAR* monitor_name, const WCHAR* port_name) {
     const int fits = format_text(name, std::size(name), TEXT(",XcvMonitor %s"), monitor_name) &&
                      text_length(port_name) < MAX_PORTNAME_LEN;
     log_line(TEXT("%s\r\n"), name);
-    PRINTER_DEFAULTSW access = {};
-    access.DesiredAccess = SERVER_ACCESS_ADMINISTER;
-    HANDLE monitor = nullptr;
-    if (fits && OpenPrinterW(name, &monitor, &access))
+    const HANDLE monitor = fits ? open_port_monitor(name) : nullptr;
+    if (monitor != nullptr)
         return monitor;
     log_failure(TEXT("failed to open printer for port %s\r\n"), port_name);
     return nullptr;
-}
-
-void request_port(const Exchange* exchange, PORT_DATA_1* request) {
-    copy_text(request->sztPortName, std::size(request->sztPortName), exchange->port_name);
-    request->dwVersion = 1;
-    request->dwProtocol = PROTOCOL_RAWTCP_TYPE;
-    request->cbSize = sizeof *request;
-    log_line(TEXT("sztPortName [%ls]\r\n"), request->sztPortName);
-    DWORD needed = 0;
-    DWORD status = 0;
-    SetLastError(ERROR_SUCCESS); // what stands there is from another call
-    const BOOL result = XcvDataW(exchange->monitor, TEXT("AddPort"), reinterpret_cast<BYTE*>(request),
-                                 sizeof *request, nullptr, 0, &needed, &status);
-    log_line(TEXT("XcvData AddPort %d %d %x %x [%ls]\r\n"), result, needed, status, GetLastError(),
-             request->sztPortName);
-    if (!result || (status != ERROR_SUCCESS && status != ERROR_ALREADY_EXISTS))
-        line_failed();
 }
 
 void fetch_configuration(const Exchange* exchange, PORT_DATA_1* request) {
@@ -133,7 +114,8 @@ void fetch_configuration(const Exchange* exchange, PORT_DATA_1* request) {
 // Each command goes out whatever the monitor answered to the one before.
 void create_port(const Exchange* exchange) {
     PORT_DATA_1 request = {};
-    request_port(exchange, &request);
+    copy_text(request.sztPortName, std::size(request.sztPortName), exchange->port_name);
+    send_add_port(exchange->monitor, &request);
     fetch_configuration(exchange, &request);
 }
 

@@ -2,12 +2,9 @@
 
 #include <winspool.h>
 
-#include "state/app_state.h"
+#include "spooler/port_monitor.h"
 #include "support/install_log.h"
-#include "support/platform_gaps.h"
 #include "support/text.h"
-
-#include <failed_step.h>
 
 #include <iterator>
 
@@ -16,38 +13,12 @@ namespace {
 constexpr DWORD raw_port_number = 9100;
 constexpr WCHAR monitor_handle_name[] = TEXT(",XcvMonitor Standard TCP/IP Port");
 
-// The monitor's transceive interface, or null with the last error set.
-HANDLE open_monitor() {
-    WCHAR name[std::size(monitor_handle_name)]; // the call takes a name that it may write to
-    copy_text(name, std::size(name), monitor_handle_name);
-    PRINTER_DEFAULTSW access = {};
-    access.DesiredAccess = SERVER_ACCESS_ADMINISTER;
-    HANDLE monitor = nullptr;
-    return OpenPrinterW(name, &monitor, &access) ? monitor : nullptr;
-}
-
 // 0 when the name or the address doesn't fit. Both address fields carry the one text; SNMP stays off.
 int fill_port(PORT_DATA_1* port, const WCHAR* port_name, const char* address) {
-    port->dwVersion = 1;
-    port->dwProtocol = PROTOCOL_RAWTCP_TYPE;
-    port->cbSize = sizeof *port;
     port->dwPortNumber = raw_port_number;
     return copy_text(port->sztPortName, std::size(port->sztPortName), port_name) &&
            widen(port->sztHostAddress, std::size(port->sztHostAddress), address) &&
            widen(port->sztIPAddress, std::size(port->sztIPAddress), address);
-}
-
-void send_port(HANDLE monitor, PORT_DATA_1* port) {
-    DWORD needed = 0;
-    DWORD status = 0;
-    SetLastError(ERROR_SUCCESS); // what stands there is from another call
-    const BOOL result = XcvDataW(monitor, TEXT("AddPort"), reinterpret_cast<BYTE*>(port), sizeof *port,
-                                 nullptr, 0, &needed, &status);
-    log_line(TEXT("XcvData AddPort %d %d %x %x [%ls]\r\n"), result, needed, status, GetLastError(),
-             port->sztPortName);
-    // A port that is there from an earlier install serves as it is.
-    if (!result || (status != ERROR_SUCCESS && status != ERROR_ALREADY_EXISTS))
-        line_failed();
 }
 
 int send_deletion(HANDLE monitor, DELETE_PORT_DATA_1* port, DWORD* error) {
@@ -68,13 +39,12 @@ int add_tcp_port(const WCHAR* port_name, const char* address) {
     PORT_DATA_1 port = {};
     log_line(TEXT("%s\r\n"), monitor_handle_name);
     const int fits = fill_port(&port, port_name, address);
-    HANDLE monitor = fits ? open_monitor() : nullptr;
+    HANDLE monitor = fits ? open_port_monitor(monitor_handle_name) : nullptr;
     if (monitor == nullptr) {
         log_failure(TEXT("failed to open printer for port %s\r\n"), port_name);
         return 0;
     }
-    log_line(TEXT("sztPortName [%ls]\r\n"), port.sztPortName);
-    send_port(monitor, &port);
+    send_add_port(monitor, &port);
     ClosePrinter(monitor);
     return 1;
 }
@@ -84,7 +54,7 @@ int delete_tcp_port(const char* port_name) {
     port.dwVersion = 1;
     HANDLE monitor = nullptr;
     if (widen(port.psztPortName, std::size(port.psztPortName), port_name))
-        monitor = open_monitor();
+        monitor = open_port_monitor(monitor_handle_name);
     else
         SetLastError(ERROR_BUFFER_OVERFLOW);
     if (monitor == nullptr) {

@@ -61,7 +61,7 @@ struct AppState {
     WCHAR driver_name_wide[256] = {};
     DWORD driver_installed = 0;
     PrinterCandidate candidates[candidate_capacity] = {};
-    int candidate_count = 0;
+    std::atomic<int> candidate_count = 0; // a record is whole when it counts
     std::atomic<DWORD> exit_requested = 0;
     std::atomic<DWORD> install_started = 0;
     std::atomic<DWORD> install_failed = 0;

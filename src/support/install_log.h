@@ -28,6 +28,11 @@ void close_log();
 // handle.
 void log_write(HANDLE handle, const WCHAR* text);
 
+// Writes a line of whole texts, which may be long: they, of which null counts as empty, and CR LF go to the
+// run's log as one piece.
+void log_text(const WCHAR* text);
+void log_texts(const WCHAR* first, const WCHAR* second, const WCHAR* third, const WCHAR* fourth);
+
 // Composes a line as format_text does and writes it to the run's log. A line beyond its capacity
 // (log_line_capacity, or the one given) is cut and keeps the line end that the format closes with.
 void log_line(const WCHAR* format, ...);

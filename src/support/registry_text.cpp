@@ -9,10 +9,10 @@ LONG read_registry_text(HKEY key, const WCHAR* name, WCHAR* out, DWORD bytes) {
     return result;
 }
 
-int read_registry_number(HKEY key, const WCHAR* name, DWORD* number) {
+int read_registry_number(HKEY key, const WCHAR* name, DWORD least_bytes, DWORD* number) {
     DWORD size = sizeof *number;
     *number = 0;
     return RegQueryValueExW(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(number), &size) ==
                ERROR_SUCCESS &&
-           size == sizeof *number;
+           size >= least_bytes;
 }

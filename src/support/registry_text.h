@@ -8,5 +8,6 @@
 // registry's result: 0, or a code.
 LONG read_registry_text(HKEY key, const WCHAR* name, WCHAR* out, DWORD bytes);
 
-// Reads a value of exactly 4 bytes: 1, or 0 when it isn't there or has another size.
-int read_registry_number(HKEY key, const WCHAR* name, DWORD* number);
+// Reads a value of `least_bytes` to 4 bytes, of which those that are missing count as 0: 1, or 0 when it
+// isn't there or has another size.
+int read_registry_number(HKEY key, const WCHAR* name, DWORD least_bytes, DWORD* number);

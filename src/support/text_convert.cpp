@@ -1,5 +1,6 @@
 #include "support/text.h"
 
+#include <cstring>
 #include <iterator>
 
 namespace {
@@ -83,6 +84,12 @@ int narrow(char* out, size_t capacity, const WCHAR* text) {
     return narrow_by_characters(out, capacity, text);
 }
 
+int narrow_name(char* out, size_t capacity, const WCHAR* name) {
+    constexpr size_t longest_name = 511;
+    WCHAR back[longest_name + 1];
+    return narrow(out, capacity, name) && widen(back, std::size(back), out) && same_text(back, name);
+}
+
 size_t whole_ansi_length(const char* text, size_t limit) {
     size_t kept = 0;
     while (text[kept] != 0) {
@@ -101,8 +108,8 @@ int copy_ansi(char* out, size_t capacity, const char* text) {
         return 0;
     const size_t length = ansi_length(text);
     const size_t kept = length < capacity ? length : whole_ansi_length(text, capacity - 1);
-    for (size_t i = 0; i < kept; ++i)
-        out[i] = text[i];
+    if (kept != 0)
+        std::memcpy(out, text, kept);
     out[kept] = 0;
     return kept == length;
 }

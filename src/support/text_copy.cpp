@@ -1,5 +1,7 @@
 #include "support/text.h"
 
+#include <cstring>
+
 size_t text_length(const WCHAR* text) {
     size_t length = 0;
     while (text != nullptr && text[length] != 0)
@@ -8,10 +10,7 @@ size_t text_length(const WCHAR* text) {
 }
 
 size_t ansi_length(const char* text) {
-    size_t length = 0;
-    while (text != nullptr && text[length] != 0)
-        ++length;
-    return length;
+    return text != nullptr ? std::strlen(text) : 0;
 }
 
 int copy_text(WCHAR* out, size_t capacity, const WCHAR* text) {

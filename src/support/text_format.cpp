@@ -1,5 +1,7 @@
 #include "support/text.h"
 
+#include <cstring>
+
 // The C libraries disagree on 16-bit formats: what %s means, what a cut leaves behind, which code page %S
 // goes by. Both widths are therefore composed here, by one reading of the format.
 
@@ -29,21 +31,44 @@ struct Arguments {
 
 constexpr size_t digits_capacity = 32; // the widest padding that is served, and more than 32 bits need
 
-void put(Composition* text, WCHAR character) {
-    if (text->length + 1 >= text->capacity)
+// Characters of the text's own width; what has no room is cut.
+void put_wide(Composition* text, const WCHAR* part, size_t length) {
+    const size_t room = text->fits ? text->capacity - 1 - text->length : 0;
+    if (length > room) {
         text->fits = 0;
-    if (!text->fits)
-        return;
+        length = room;
+    }
+    std::memcpy(text->wide + text->length, part, length * sizeof(WCHAR));
+    text->length += length;
+}
+
+// 7-bit characters, which have the same values in both widths.
+void put_plain(Composition* text, const char* part, size_t length) {
+    const size_t room = text->fits ? text->capacity - 1 - text->length : 0;
+    if (length > room) {
+        text->fits = 0;
+        length = room;
+    }
+    for (size_t i = 0; i < length; ++i) {
+        if (text->wide != nullptr)
+            text->wide[text->length + i] = static_cast<WCHAR>(part[i]);
+        else
+            text->ansi[text->length + i] = part[i];
+    }
+    text->length += length;
+}
+
+void put_character(Composition* text, WCHAR character) {
+    const char plain = static_cast<char>(character);
     if (text->wide != nullptr)
-        text->wide[text->length] = character;
+        put_wide(text, &character, 1);
     else
-        text->ansi[text->length] = static_cast<char>(character);
-    ++text->length;
+        put_plain(text, &plain, 1);
 }
 
 void put_wide_text(Composition* text, const WCHAR* part) {
-    for (; part != nullptr && *part != 0 && text->fits; ++part)
-        put(text, *part);
+    if (part != nullptr)
+        put_wide(text, part, text_length(part));
 }
 
 // 8-bit text goes through the routines that know the code page's characters, so that none is halved.
@@ -60,24 +85,25 @@ void put_ansi_text(Composition* text, const char* part) {
     }
 }
 
+// Filled from its end: the digits, then the padding and the sign in the order that the padding wants.
 void put_number(Composition* text, DWORD magnitude, DWORD base, int negative, const Field& field) {
-    char digits[digits_capacity];
-    size_t count = 0;
+    constexpr size_t end = digits_capacity + 1;
+    char digits[end];
+    size_t place = end;
     do {
-        digits[count++] = "0123456789abcdef"[magnitude % base];
+        digits[--place] = "0123456789abcdef"[magnitude % base];
         magnitude /= base;
     } while (magnitude != 0);
 
+    const size_t sign_first = negative && field.padding == '0' ? 1 : 0;
+    if (negative && !sign_first)
+        digits[--place] = '-';
     const size_t wanted = field.width < digits_capacity ? field.width : digits_capacity;
-    const size_t sign = negative ? 1 : 0;
-    if (negative && field.padding == '0')
-        put(text, '-');
-    for (size_t filled = count + sign; filled < wanted; ++filled)
-        put(text, field.padding);
-    if (negative && field.padding != '0')
-        put(text, '-');
-    while (count > 0)
-        put(text, static_cast<WCHAR>(digits[--count]));
+    while (end - place + sign_first < wanted)
+        digits[--place] = static_cast<char>(field.padding);
+    if (sign_first)
+        digits[--place] = '-';
+    put_plain(text, digits + place, end - place);
 }
 
 // Takes one more character of a field's text; 0 when the field isn't complete yet.
@@ -121,28 +147,48 @@ void put_field(Composition* text, const Field& field, Arguments* arguments) {
         put_number(text, va_arg(arguments->list, DWORD), 16, 0, field);
         break;
     case 'c':
-        put(text, static_cast<WCHAR>(va_arg(arguments->list, int)));
+        put_character(text, static_cast<WCHAR>(va_arg(arguments->list, int)));
         break;
     default:
-        put(text, field.kind); // "%%", and what isn't a field stands for itself
+        put_character(text, field.kind); // "%%", and what isn't a field stands for itself
     }
 }
 
-// Reads the format, of which one of the two is given, and terminates the text.
-int compose(Composition* text, const WCHAR* wide_format, const char* ansi_format, Arguments* arguments) {
-    for (size_t place = 0;; ++place) {
-        WCHAR character = wide_format != nullptr ? wide_format[place] : static_cast<BYTE>(ansi_format[place]);
-        if (character == 0)
+// A format on its way through: one of the two is set.
+struct Format {
+    const WCHAR* wide;
+    const char* ansi;
+};
+
+WCHAR next_character(Format* format) {
+    return format->wide != nullptr ? *format->wide++ : static_cast<BYTE>(*format->ansi++);
+}
+
+// Takes what stands in front of the next field or the end.
+void put_literal(Composition* text, Format* format) {
+    size_t length = 0;
+    if (format->wide != nullptr) {
+        while (format->wide[length] != 0 && format->wide[length] != '%')
+            ++length;
+        put_wide(text, format->wide, length);
+        format->wide += length;
+    } else {
+        while (format->ansi[length] != 0 && format->ansi[length] != '%')
+            ++length;
+        put_plain(text, format->ansi, length);
+        format->ansi += length;
+    }
+}
+
+// Reads the format and terminates the text.
+int compose(Composition* text, Format format, Arguments* arguments) {
+    for (;;) {
+        put_literal(text, &format);
+        if (next_character(&format) == 0)
             break;
-        if (character != '%') {
-            put(text, character);
-            continue;
-        }
         Field field = {0, ' ', 0};
-        do {
-            ++place;
-            character = wide_format != nullptr ? wide_format[place] : static_cast<BYTE>(ansi_format[place]);
-        } while (!take_field_character(&field, character));
+        while (!take_field_character(&field, next_character(&format))) {
+        }
         if (field.kind == 0)
             break;
         put_field(text, field, arguments);
@@ -156,15 +202,19 @@ int compose(Composition* text, const WCHAR* wide_format, const char* ansi_format
 
 } // namespace
 
-int format_text_list(WCHAR* out, size_t capacity, const WCHAR* format, va_list arguments) {
+size_t compose_text(WCHAR* out, size_t capacity, const WCHAR* format, va_list arguments) {
     if (capacity == 0)
         return 0;
     Composition text = {out, nullptr, capacity, 0, 1};
     Arguments own;
     va_copy(own.list, arguments);
-    const int fits = compose(&text, format, nullptr, &own);
+    const int fits = compose(&text, {format, nullptr}, &own);
     va_end(own.list);
-    return fits;
+    return fits ? text.length : capacity;
+}
+
+int format_text_list(WCHAR* out, size_t capacity, const WCHAR* format, va_list arguments) {
+    return compose_text(out, capacity, format, arguments) < capacity;
 }
 
 int format_text(WCHAR* out, size_t capacity, const WCHAR* format, ...) {
@@ -181,7 +231,7 @@ int format_ansi(char* out, size_t capacity, const char* format, ...) {
     Composition text = {nullptr, out, capacity, 0, 1};
     Arguments arguments;
     va_start(arguments.list, format);
-    const int fits = compose(&text, nullptr, format, &arguments);
+    const int fits = compose(&text, {nullptr, format}, &arguments);
     va_end(arguments.list);
     return fits;
 }

@@ -1,5 +1,7 @@
 #include "support/text.h"
 
+#include <cstring>
+
 namespace {
 
 int is_white_space(char character) {
@@ -33,6 +35,11 @@ const char* read_number(const char* text, int* value) {
     }
     *value = static_cast<int>(negative ? 0 - magnitude : magnitude);
     return text;
+}
+
+// Bytes of the first character of a text that isn't empty: 1, or 2 in a double-byte code page.
+size_t character_bytes(const char* text) {
+    return text[1] != 0 && IsDBCSLeadByte(static_cast<BYTE>(*text)) ? 2 : 1;
 }
 
 } // namespace
@@ -79,12 +86,33 @@ const WCHAR* find_text(const WCHAR* text, const WCHAR* part) {
 }
 
 const char* find_ansi(const char* text, const char* part) {
-    for (;; ++text) {
-        if (ansi_starts_with(text, part))
-            return text;
-        if (*text == 0)
-            return nullptr;
+    return std::strstr(text, part);
+}
+
+const char* find_in_names(const char* text, const char* part) {
+    const char* place = find_ansi(text, part);
+    // Behind a 7-bit byte, be it a character or the end of one, another begins.
+    while (place != nullptr && place != text && (place[-1] & 0x80) != 0) {
+        while (text < place)
+            text += character_bytes(text);
+        if (text == place)
+            break;
+        place = find_ansi(text, part);
     }
+    return place;
+}
+
+void replace_in_name(char* name, char old_character, char new_character) {
+    for (; *name != 0; name += character_bytes(name))
+        if (*name == old_character)
+            *name = new_character;
+}
+
+int same_text(const WCHAR* first, const WCHAR* second) {
+    for (; *first == *second; ++first, ++second)
+        if (*first == 0)
+            return 1;
+    return 0;
 }
 
 int starts_with(const WCHAR* text, const WCHAR* start) {
@@ -101,6 +129,19 @@ int ansi_starts_with(const char* text, const char* start) {
             return 0;
     }
     return 1;
+}
+
+WCHAR change_case(WCHAR letter, WCHAR from, WCHAR to) {
+    constexpr int letters = 26;
+    const int place = letter - from;
+    return place >= 0 && place < letters ? static_cast<WCHAR>(to + place) : letter;
+}
+
+void blank_controls(char* text, size_t length) {
+    for (size_t i = 0; i < length; ++i) {
+        const BYTE value = static_cast<BYTE>(text[i]);
+        text[i] = value < ' ' || value == 0x7f ? ' ' : text[i];
+    }
 }
 
 int is_plain_name(const WCHAR* name) {

@@ -75,6 +75,7 @@ TEST_F(MonitorLayout, WithoutPlainNamesOrCurrentFolderNothingIsCopied) {
     EXPECT_EQ(deploy(std::u16string(600, u'm').c_str()), 1);
     EXPECT_EQ(deploy_monitor_layout(std::u16string(600, u'v').c_str(), u"Label 100", u"lblmon.inf"), 1);
     EXPECT_EQ(lines_with(test.log(), "create dir failed 0 206\r\n"), 3u) << "one folder, then two";
+    EXPECT_EQ(lines_with(test.log(), " 206\r\n"), 6u) << "the group's lines are cut, but not their code";
     EXPECT_EQ(
         platform::session().gate.count("CopyFileW") + platform::session().gate.count("SHFileOperationW"), 0u);
 }

@@ -98,6 +98,27 @@ TEST_F(ProgramFiles, MissingFilesStopWhereTheyMatter) {
     }
 }
 
+// What comes from a CD is read-only on the disk too, and a second install has to get over it.
+TEST_F(ProgramFiles, ReplaceReadOnlyFilesOfAnEarlierInstall) {
+    using std::filesystem::perms;
+    std::filesystem::permissions(test.medium / "wrenchbay/media.inf", perms::owner_read);
+    test.start();
+    ASSERT_EQ(deploy(), 1);
+    const std::string first = test.log();
+    TestSession::write(test.medium / "wrenchbay/settings.inf", "[UI]\r\nLanguage=FRA\r\n");
+    EXPECT_EQ(deploy(), 1);
+    EXPECT_EQ(test.log(), first + first) << "one line a copy";
+    EXPECT_EQ(platform::session().gate.count("SetFileAttributesW"), 1u);
+    test.stop();
+    // A refusal that has another reason is the copy's end.
+    test.machine.faults = {{"CopyFileW", 3, true, 5, ""}};
+    test.start();
+    EXPECT_EQ(deploy(), 0);
+    EXPECT_TRUE(test.log().ends_with("copy file failed 0 5 D:\\medium\\wrenchbay\\wrenchbay.exe\r\n"))
+        << test.log();
+    EXPECT_EQ(platform::session().gate.count("SetFileAttributesW"), 0u);
+}
+
 TEST_F(ProgramFiles, HostileNamesMakeNothing) {
     const struct {
         const WCHAR* maker;

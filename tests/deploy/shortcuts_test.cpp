@@ -65,6 +65,11 @@ TEST_F(Shortcuts, NamesThatArentFileNamesAreRefused) {
     EXPECT_EQ(platform::session().gate.count("CoCreateInstance"), 0u);
     EXPECT_TRUE(test.log().starts_with("create sc [")) << "the line is written all the same";
     EXPECT_TRUE(test.log().ends_with("\r\n")) << "also where it was cut";
+    const std::string line = "\r\nshortcut path too long: C:\\ProgramData\\Microsoft\\";
+    EXPECT_NE(test.log().find(line), std::string::npos);
+    const std::size_t before = test.log().size();
+    EXPECT_EQ(create(1, std::u16string(200, u'd')), 0) << "more than the shell can save";
+    EXPECT_NE(test.log().find(line, before), std::string::npos);
 }
 
 TEST_F(Shortcuts, MenuGroupIsMadeOnce) {

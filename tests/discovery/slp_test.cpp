@@ -123,6 +123,15 @@ TEST_F(SlpReply, EchoesEveryTextWithinItsLine) {
                               "\r\n" + "MDL:Label_100;printer-name=N)\r\nPrinter found 10.1.2.7 N\r\n");
 }
 
+// No printer writes lines of its own into the log, nor moves a column of the list.
+TEST_F(SlpReply, ShowsControlCharactersAsBlanks) {
+    const std::string name = "A\r\nPrinter";
+    EXPECT_EQ(read(reply("MDL:Label_100;\t\x7f\x1b(printer-name=" + name + "\x01)")),
+              (Find{1, "10.1.2.7", "A  Printer "}));
+    EXPECT_EQ(test.log(),
+              "MDL:Label_100;   (printer-name=A  Printer )\r\nPrinter found 10.1.2.7 A  Printer \r\n");
+}
+
 TEST_F(SlpReply, LargestDatagramIsSearchedToItsEnd) {
     const std::string filler(4000 - 20 - 15, 'f');
     EXPECT_EQ(read(reply(filler + "MDL:Label_100;)")).found, 1);

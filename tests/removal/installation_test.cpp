@@ -66,7 +66,7 @@ TEST_F(Installation, OneModelGoesAndTheOtherStays) {
     EXPECT_TRUE(log().starts_with(
         "CommonPrograms " + start_menu + "\r\ndel dir " + start_menu + "\\Vorlane\\Label 100\r\ndel dir " +
         start_menu +
-        "\\Vorlane\r\ndel dir C:\\Program Files\\Vorlane\\Label 100\r\n"
+        "\\Vorlane\r\ndel dir C:\\Program Files\\Vorlane\\Label 100\\\r\n"
         "C:\\Program Files\\Vorlane\\Label 100\\inf\\*.inf\r\n"
         "get_store_inf_name C:\\Windows\\System32\\DriverStore\\FileRepository\\*\r\nfound "))
         << log();
@@ -115,9 +115,24 @@ TEST_F(Installation, NothingIsTouchedWithoutGoodNames) {
         const WCHAR* maker;
         const char* model;
     } table[] = {
-        {u"", u"Vorlane", "Label"},   {u"\\", u"Vorlane", "Label"}, {u"C:\\P", u"", "Label"},
-        {u"C:\\P", u"Vorlane", ""},   {u"C:\\P", u"..", "Label"},   {u"C:\\P", u"Vorlane", "..\\..\\x"},
+        {u"", u"Vorlane", "Label"},
+        {u"\\", u"Vorlane", "Label"},
+        {u"C:\\P", u"", "Label"},
+        {u"C:\\P", u"Vorlane", ""},
+        {u"C:\\P", u"..", "Label"},
+        {u"C:\\P", u"Vorlane", "..\\..\\x"},
         {u"C:\\P", u"Vorlane", "a*"},
+        // What names a drive, nothing, or several things.
+        {u"C:\\", u"Vorlane", "Label"},
+        {u"C:", u"Vorlane", "Label"},
+        {u"C:\\\\P", u"Vorlane", "Label"},
+        {u"C:\\P\\\\", u"Vorlane", "Label"},
+        {u"C:\\P*", u"Vorlane", "Label"},
+        {u"C:\\P?\\b", u"Vorlane", "Label"},
+        {u"C:\\P\\..", u"Vorlane", "Label"},
+        {u"P", u"Vorlane", "Label"},
+        {u"\\\\server\\P", u"Vorlane", "Label"},
+        {u"1:\\P", u"Vorlane", "Label"},
     };
     std::filesystem::create_directories(test.drive_c / "P");
     test.start();
@@ -137,6 +152,22 @@ TEST_F(Installation, NothingIsTouchedWithoutGoodNames) {
     EXPECT_EQ(remove_installation(u"C:\\P", u"Vorlane", "Label"), 0);
     EXPECT_EQ(log(), "Get CommonPrograms failed -2147024891\r\n");
     EXPECT_TRUE(std::filesystem::exists(test.drive_c / "P"));
+}
+
+// In code page 932 these two letters differ in one byte, by which two letters of the alphabet differ in case;
+// and by code page 1252's best fit a full-width name reads like another.
+TEST_F(Installation, PackagesOfOtherNamesStay) {
+    WCHAR path[removal_path_capacity];
+    store("ヂ.inf_amd64_1", "ア.inf");
+    test.machine.code_page = 932;
+    test.start();
+    EXPECT_EQ(get_store_inf_name("\x83\x41.inf", path), 0);
+    EXPECT_EQ(get_store_inf_name("\x83\x61.INF", path), 1);
+    test.stop();
+    store("ｌbl.inf_amd64_1", "lbl.inf");
+    test.machine.code_page = 1252;
+    test.start();
+    EXPECT_EQ(get_store_inf_name("lbl.inf", path), 0);
 }
 
 TEST_F(Installation, NamesThatCantBeConvertedAreNoNames) {

@@ -187,6 +187,20 @@ TEST_F(InstalledPrinters, PortsGoAfterARestartOfTheSpooler) {
     EXPECT_EQ(test.machine.services[0].now.front().state, 4u) << "the spooler runs again";
 }
 
+// By the code page's best fit the full-width digit becomes the other port's.
+TEST_F(InstalledPrinters, PortWithoutAnExactNameStays) {
+    test.machine.spooler.ports.clear();
+    add_network_port(u"TRK_1");
+    add_network_port(u"TRK_１");
+    add_queue(u"Wide", u"TRK_１");
+    test.start();
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(list_installed_printers(u"Label", nullptr, 0, delete_queues_and_ports, &connected, 0), 0);
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(port_names(), (std::vector<std::u16string>{u"TRK_1", u"TRK_１"}));
+    EXPECT_TRUE(test.log().ends_with(" 6f\r\n")) << test.log();
+}
+
 TEST_F(InstalledPrinters, PortThatStaysDoesntChangeTheResult) {
     add_queue(u"Network", u"TRK_1");
     test.machine.faults = {{"XcvDataW", 1, true, 1722, ""}};

@@ -120,6 +120,11 @@ TEST_F(UsbPorts, ConnectedDevicesStandInTheServicesList) {
          {{u"Count", number_value(1, 8)}, {u"0", text_value(u"ID")}},
          0,
          "error: Count\n"},
+        {"count of one byte",
+         {{u"Count", number_value(1, 1)}, {u"0", text_value(u"ID")}},
+         1,
+         "count: 1\nDevice 0: [ID] [0]\ndevice connceted\n"},
+        {"count without bytes", {{u"Count", number_value(1, 0)}, {u"0", text_value(u"ID")}}, 0, "count: 0\n"},
         {"no count", {{u"0", text_value(u"ID")}}, 0, "error: Count\n"},
     };
     const std::string opening =

@@ -26,6 +26,41 @@ TEST(AnsiText, CutsNoCharacterInTwo) {
     EXPECT_EQ(whole_ansi_length("", 5), 0u);
 }
 
+// In code page 932 the second byte of a character may be a letter, an underscore, a bracket.
+TEST(AnsiText, LooksForCharactersInNames) {
+    TestSession session;
+    session.machine.code_page = 932;
+    session.start();
+    char name[] = "\x83\x5f_\x83\x5f\x5f";
+    replace_in_name(name, '_', ' ');
+    EXPECT_STREQ(name, "\x83\x5f \x83\x5f ");
+    const struct {
+        const char* text;
+        const char* part;
+        int place; // -1: none
+    } cases[] = {
+        {"\x83\x5b[La", "[La", 2},         {"\x81\x5bLa]", "[La", -1}, {"[La", "[La", 0},
+        {"\x83\x5f[La", "[La", 2},         {"\xb1[La", "[La", 1},      {"\x81\x5bLa[La", "[La", 4},
+        {"x\x83\x83\x5b", "\x83\x5b", -1}, {"\x83[La", "[La", -1},     {"", "x", -1},
+    };
+    for (const auto& item : cases) {
+        const char* const found = find_in_names(item.text, item.part);
+        EXPECT_EQ(found != nullptr ? found - item.text : -1, item.place) << item.text;
+    }
+}
+
+// A name that the code page's best fit would turn into another's isn't one.
+TEST(AnsiText, TakesNoNameForAnother) {
+    TestSession session;
+    session.start();
+    char name[8];
+    EXPECT_EQ(narrow_name(name, std::size(name), u"TRK_1"), 1);
+    EXPECT_STREQ(name, "TRK_1");
+    EXPECT_EQ(narrow_name(name, std::size(name), u"TRK_１"), 0);
+    EXPECT_EQ(narrow_name(name, std::size(name), u"TRK_テ"), 0);
+    EXPECT_EQ(narrow_name(name, std::size(name), u"TRK_1234"), 0);
+}
+
 TEST(AnsiText, ConvertsByTheCodePage) {
     const struct {
         const char* name;

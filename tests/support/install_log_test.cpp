@@ -129,6 +129,7 @@ TEST(InstallLog, RefusesAPlantedFile) {
         {"second name", [](const LogFolder& s) { fs::create_hard_link(s.drive_c / "victim", s.file); },
          false},
         {"link", [](const LogFolder& s) { fs::create_symlink(s.drive_c / "victim", s.file); }, false},
+        {"link to nothing", [](const LogFolder& s) { fs::create_symlink(s.drive_c / "new", s.file); }, false},
         {"link to its name elsewhere",
          [](const LogFolder& s) {
              TestSession::write(s.drive_c / "Evil/trk_install.log", "x");
@@ -162,8 +163,52 @@ TEST(InstallLog, RefusesAPlantedFile) {
             log_write(log.handle, u"line\r\n");
         }
         EXPECT_EQ(TestSession::read(session.drive_c / "victim"), "kept");
+        EXPECT_FALSE(fs::exists(session.drive_c / "new"));
         EXPECT_EQ(run.handles.open_kinds().size(), handles + (app.log_mutex != nullptr ? 1 : 0));
     }
+}
+
+// Some memory disks know no final paths; their files have identities all the same.
+TEST(InstallLog, KnowsAFileWithoutItsPath) {
+    for (const bool planted : {false, true}) {
+        LogFolder session;
+        session.machine.faults = {{.call = "GetFinalPathNameByHandleW", .from_then_on = true, .error = 1}};
+        if (planted)
+            fs::create_symlink(session.drive_c / "new", session.file);
+        session.start();
+        EXPECT_EQ(OpenedLog().opened(), !planted);
+        EXPECT_FALSE(fs::exists(session.drive_c / "new"));
+    }
+    // A second file of the name, which came between the two looks, is another one.
+    LogFolder session;
+    session.machine.faults = {{.call = "GetFinalPathNameByHandleW", .from_then_on = true, .error = 1},
+                              {.call = "CreateFileW", .nth = 3, .error = 2}};
+    session.start();
+    EXPECT_FALSE(OpenedLog().opened());
+}
+
+TEST(InstallLog, WritesALineOfSeveralTextsAtOnce) {
+    TestSession session;
+    session.machine.code_page = 65001;
+    platform::Session& run = session.start();
+    log_texts(u"Copy ", u"C:\\a", nullptr, u"b");
+    EXPECT_EQ(run.gate.count("WriteFile"), 1u);
+    EXPECT_EQ(run.gate.count("FlushFileBuffers"), 1u);
+    const std::u16string pair = u"😀"; // its halves lie in two chunks, which a line's texts share
+    log_texts(std::u16string(254, u'x').c_str(), u"y", pair.c_str(), std::u16string(300, u'z').c_str());
+    log_text(u"");
+    EXPECT_EQ(session.log(),
+              "Copy C:\\ab\r\n" + std::string(254, 'x') + "y😀" + std::string(300, 'z') + "\r\n\r\n");
+}
+
+// Nobody reads it, so it isn't composed either: the argument isn't looked at.
+TEST(InstallLog, ComposesNothingForAClosedLog) {
+    TestSession session;
+    platform::Session& run = session.start();
+    close_log();
+    const unsigned before = run.gate.count("MultiByteToWideChar");
+    log_line(u"%S\r\n", "text");
+    EXPECT_EQ(run.gate.count("MultiByteToWideChar"), before);
 }
 
 TEST(InstallLog, WritesInChunksAndFlushesOnce) {

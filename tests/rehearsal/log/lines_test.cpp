@@ -28,7 +28,7 @@ std::string read_text(const fs::path& file) {
 // What writes to the log, and which of its arguments, from 0, is the text. `enumerate` hands its opening line
 // on.
 const std::map<std::string, std::size_t> writers = {
-    {"log_line", 0},    {"log_line_within", 1},    {"log_write", 1},   {"log_path", 0},
+    {"log_line", 0},    {"log_line_within", 1},    {"log_write", 1},   {"log_text", 0},
     {"log_failure", 0}, {"log_failure_within", 1}, {"log_refusal", 0}, {"enumerate", 3}};
 // Routines whose names begin alike and that take no text, and the parameters through which writers pass
 // theirs on.
@@ -104,11 +104,19 @@ private:
         for (std::sregex_iterator one(text.begin(), text.end(), call), end; one != end; ++one) {
             const auto behind = static_cast<std::size_t>(one->position() + one->length());
             const auto writer = writers.find((*one)[1]);
-            if (writer != writers.end())
+            if ((*one)[1] == "log_texts")
+                take_each(name, arguments_at(text, behind));
+            else if (writer != writers.end())
                 take(name, arguments_at(text, behind), *writer);
             else if (!no_writers.contains((*one)[1]))
                 strangers.push_back(name + ": " + (*one)[1].str());
         }
+    }
+
+    // A line of several texts, null where there is none.
+    void take_each(const std::string& file, const std::vector<std::string>& arguments) {
+        for (const std::string& argument : arguments)
+            take(file, {argument}, {"log_text", 0});
     }
 
     void take(const std::string& file, const std::vector<std::string>& arguments,

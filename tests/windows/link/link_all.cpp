@@ -10,6 +10,7 @@
 #include "app/relaunch.h"
 #include "app/startup.h"
 #include "app/terms_page.h"
+#include "deploy/model_folders.h"
 #include "deploy/monitor_layout.h"
 #include "deploy/program_files.h"
 #include "deploy/shortcuts.h"
@@ -30,6 +31,7 @@
 #include "spooler/driver_package.h"
 #include "spooler/inventory.h"
 #include "spooler/monitor_ports.h"
+#include "spooler/port_monitor.h"
 #include "spooler/tcp_port.h"
 #include "support/current_folder.h"
 #include "support/dialog_text.h"
@@ -61,7 +63,8 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
          printer_exists, ask_printer_address, ip_dialog_proc, ask_address_text, main_dialog_proc,
          enter_network_mode, clear_candidates, relaunch_64, run_setup, show_terms_page, terms_dialog_proc);
     keep(deploy_monitor_layout, deploy_program_files, copy_package_file, copyDirFiles, compare_os_version,
-         is_os_newer_than, create_shortcut, create_link_file, create_menu_group);
+         is_os_newer_than, make_model_folder, make_install_folder, create_model_shortcuts, create_shortcut,
+         create_link_file, create_menu_group);
     keep(collect_adapters, find_slp, probe_discovery_port, build_slp_request, read_be_number, read_slp_reply,
          log_slp_header, reverse_bytes, usb_search, usb_device_check, open_usb_printers, walk_usb_printers);
     keep(scan_inf_driver, read_inf_driver, find_driver_inf, get_current_folder_name, load_media_table,
@@ -75,15 +78,16 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
     keep(install_driver_package, enumerate_printers, enumerate_drivers, enumerate_monitors, enumerate_ports,
          enumerate_processors, print_processor_exists, monitor_exists, port_exists, queue_on_port_exists,
          install_monitor, install_dryx_monitor, add_port, add_dryx_port, build_program_files_path,
-         add_tcp_port, delete_tcp_port);
+         add_tcp_port, delete_tcp_port, open_port_monitor, send_add_port);
     keep(get_current_folder, message_box_text, message_box_string, message_box_last_error, status_set,
          status_set_ansi, status_set_string, status_append, status_append_ansi, status_append_string,
          status_append_stage, list_clear, list_add, list_add_ansi, list_add_string, show_control,
          control_get_text, control_get_ansi, set_control_string, apply_dialog_texts, center_dialog,
-         find_temp_dir, open_log, close_log, log_write, log_line, log_line_within, find_known_folder,
-         limit_library_search, read_registry_text, read_registry_number, system_text, format_text,
-         format_text_list, format_ansi, scan_numbers, scan_number, text_length, ansi_length, copy_text,
-         append_text, copy_ansi, whole_ansi_length, widen, narrow, find_text, find_ansi, starts_with,
-         ansi_starts_with, is_plain_name, allocate_bytes, release_bytes);
+         find_temp_dir, open_log, close_log, log_write, log_text, log_texts, log_line, log_line_within,
+         find_known_folder, limit_library_search, read_registry_text, read_registry_number, system_text,
+         format_text, format_text_list, compose_text, format_ansi, scan_numbers, scan_number, text_length,
+         ansi_length, copy_text, append_text, copy_ansi, whole_ansi_length, widen, narrow, narrow_name,
+         find_text, find_ansi, find_in_names, replace_in_name, same_text, change_case, blank_controls,
+         starts_with, ansi_starts_with, is_plain_name, allocate_bytes, release_bytes);
     return 0;
 }
