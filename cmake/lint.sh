@@ -7,7 +7,8 @@
 # All sources are held against the layout. clang-tidy takes seconds for each, so it looks at those that were changed since
 # the branch left the main one (TRK_LINT_BASE, else origin/main, else the last commit), and then, until the seconds are
 # over, at others, beginning where the number of commits points to, so that each has its turn. What wasn't looked at is
-# counted. A changed file is looked at however long it takes.
+# counted. A changed file is looked at however long it takes, and what is found there fails; what is found in the others is
+# told, and waits for who changes them next.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 mkdir -p build
@@ -34,7 +35,7 @@ tidy() { # FILE...: two at a time
 
 tidy "${changed[@]}"
 looked=${#changed[@]}
-turn=0
+turn=0 unclean=0
 start=$(($(git rev-list --count HEAD) * 2 % (${#others[@]} + 1)))
 while [ "$SECONDS" -lt "$seconds" ] && [ "$turn" -lt "${#others[@]}" ]; do
     batch=()
@@ -42,7 +43,8 @@ while [ "$SECONDS" -lt "$seconds" ] && [ "$turn" -lt "${#others[@]}" ]; do
         [ "$turn" -ge "${#others[@]}" ] || batch+=("${others[(start + turn) % ${#others[@]}]}")
         turn=$((turn + 1))
     done
-    tidy "${batch[@]}"
+    tidy "${batch[@]}" || unclean=$((unclean + 1))
     looked=$((looked + ${#batch[@]}))
 done
-echo "clang-tidy: ${#changed[@]} changed files and $((looked - ${#changed[@]})) others clean, $((${#known[@]} - looked)) not looked at"
+echo "clang-tidy: ${#changed[@]} changed files clean; $((looked - ${#changed[@]})) others looked at, two at a time, \
+with findings in $unclean of the pairs; $((${#known[@]} - looked)) not looked at"
