@@ -45,15 +45,11 @@ if(WIN32)
   # The system libraries that are loaded with the program, in place of the longer list that CMake links by itself.
   set(CMAKE_CXX_STANDARD_LIBRARIES "-ladvapi32 -luser32 -lkernel32")
 
-  # A program takes from the library what it calls: the linker compiles the whole anew. Without that it keeps every
-  # function that has unwind tables, which on 64 bits is every one. The library's own objects serve other linkers too.
-  list(APPEND TRK_SOURCE_LANGUAGE -flto -ffat-lto-objects)
-
   # No runtime library of the compiler, an image that may lie anywhere and whose data can't be run, and nothing in it
   # that differs from one build to the next.
   add_library(trk_windows_link INTERFACE)
   target_link_options(trk_windows_link INTERFACE
-    -flto -Os -fstack-protector-strong -static -Wl,--gc-sections -Wl,--dynamicbase -Wl,--nxcompat -Wl,--enable-reloc-section
+    -static -Wl,--gc-sections -Wl,--dynamicbase -Wl,--nxcompat -Wl,--enable-reloc-section
     -Wl,--no-insert-timestamp -Wl,--strip-debug -Wl,--fatal-warnings
     -Wl,--major-subsystem-version=6 -Wl,--minor-subsystem-version=0
     -Wl,--major-os-version=6 -Wl,--minor-os-version=0)
