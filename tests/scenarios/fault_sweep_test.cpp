@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -29,13 +30,22 @@ std::vector<std::string> paths_of(const Outcome& outcome) {
     return paths;
 }
 
+// Calls by which the program chooses where the log goes and what shortcuts are called; without them it makes
+// the same things in other places.
+const std::set<std::string> choosing_places = {"GetVersionExW", "RegOpenKeyExW", "ExpandEnvironmentStringsW"};
+
 // A verdict that all went well holds only for a machine like that of a run in which all did.
 void expect_whole_or_told(const Scenario& scenario, const Outcome& clean, const Outcome& failed) {
     const rehearsal::Verdict verdict = judge_install(failed, scenario.medium(), scenario.drive_c());
     if (verdict.status != 0 || !failed.asked.install)
         return;
     EXPECT_EQ(changes_of(failed), changes_of(clean)) << verdict.line;
-    EXPECT_EQ(paths_of(failed), paths_of(clean)) << verdict.line;
+    const bool elsewhere = std::any_of(failed.journal.begin(), failed.journal.end(), [](const auto& entry) {
+        return entry.failed && choosing_places.contains(entry.call);
+    });
+    if (!elsewhere) {
+        EXPECT_EQ(paths_of(failed), paths_of(clean)) << verdict.line;
+    }
 }
 
 void expect_deleted_as_told(const Scenario&, const Outcome&, const Outcome& outcome) {
