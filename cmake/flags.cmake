@@ -45,11 +45,19 @@ if(WIN32)
   # The system libraries that are loaded with the program, in place of the longer list that CMake links by itself.
   set(CMAKE_CXX_STANDARD_LIBRARIES "-ladvapi32 -luser32 -lkernel32")
 
+  # The 32-bit program takes from the library only what it calls: the linker compiles the whole anew. On 64 bits that
+  # left a slot of the late imports empty. The library's own objects serve other linkers too.
+  set(whole_program)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    list(APPEND TRK_SOURCE_LANGUAGE -flto -ffat-lto-objects)
+    set(whole_program -flto -Os -fstack-protector-strong)
+  endif()
+
   # No runtime library of the compiler, an image that may lie anywhere and whose data can't be run, and nothing in it
   # that differs from one build to the next.
   add_library(trk_windows_link INTERFACE)
   target_link_options(trk_windows_link INTERFACE
-    -static -Wl,--gc-sections -Wl,--dynamicbase -Wl,--nxcompat -Wl,--enable-reloc-section
+    ${whole_program} -static -Wl,--gc-sections -Wl,--dynamicbase -Wl,--nxcompat -Wl,--enable-reloc-section
     -Wl,--no-insert-timestamp -Wl,--strip-debug -Wl,--fatal-warnings
     -Wl,--major-subsystem-version=6 -Wl,--minor-subsystem-version=0
     -Wl,--major-os-version=6 -Wl,--minor-os-version=0)
