@@ -42,7 +42,8 @@ constexpr std::uint32_t delete_object = 0x10000;
 constexpr std::uint32_t printer_all = 0xF000C;
 } // namespace spooler_access
 
-// The environments that a name may stand for.
+// The environment that a null name stands for, and the others that a name may have.
+constexpr std::u16string_view own_environment = u"Windows x64";
 bool known_environment(std::u16string_view name);
 
 // The queue of this name, without regard to case, or null.

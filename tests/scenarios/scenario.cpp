@@ -128,8 +128,6 @@ rehearsal::Outcome Scenario::run() {
     ListedUser user(actions);
     rehearsal::LogFollower log;
     rehearsal::ProgramRun run;
-    run.program_bits = program_bits;
-    run.hand_over = hand_over;
     run.drive_c = drive_c_;
     run.medium = medium_;
     run.command_line = command_line;

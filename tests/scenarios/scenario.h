@@ -20,8 +20,6 @@ public:
 
     platform::Machine machine;
     std::string command_line;
-    unsigned program_bits = 0; // as ProgramRun has it
-    bool hand_over = false;
     std::vector<std::string> actions; // in the form of a script's lines
     // Called before each platform call, on the calling thread.
     std::function<void(const platform::JournalEntry&)> on_call;

@@ -26,8 +26,7 @@ Machine full_machine() {
     machine.code_page = 932;
     machine.locale_abbreviation = u"JPN";
     machine.ui_language = 1041;
-    machine.system = System::x86;
-    settle(machine);
+    machine.wow64 = true;
     machine.clock = "2024-07-04T09:05:01";
     machine.environment = {{u"Größe", u"日本 \U0001F600"}};
     machine.folders = {u"W:\\", u"P:\\", u"S:\\"};
@@ -118,19 +117,17 @@ TEST(MachineJson, WritesFormsThatPeopleRead) {
 
 TEST(MachineJson, MissingKeysKeepTheDefaults) {
     const Machine machine = parse_machine(R"({
-        "system": "x86",
+        "wow64": true,
         "folders": {"windows": "D:\\W"},
         "spooler": {"default_printer": "", "queues": [{"name": "Q", "port": "LPT1:", "driver": "D"}]}
     })",
                                           "m.json");
-    EXPECT_EQ(machine.system, System::x86);
-    EXPECT_EQ(machine.spooler.drivers[0].environment, u"Windows NT x86");
-    EXPECT_EQ(machine.spooler.environment, u"Windows NT x86");
+    EXPECT_TRUE(machine.wow64);
     EXPECT_EQ(machine.folders.windows, u"D:\\W");
     EXPECT_EQ(machine.folders.program_files, u"C:\\Program Files");
     EXPECT_EQ(machine.spooler.queues.size(), 1u);
     EXPECT_EQ(machine.spooler.queues[0].processor, u"winprint");
-    EXPECT_EQ(machine.spooler.monitors, default_spooler(u"Windows NT x86").monitors);
+    EXPECT_EQ(machine.spooler.monitors, default_spooler().monitors);
     EXPECT_EQ(machine.adapters.size(), 1u);
 }
 
@@ -144,8 +141,7 @@ TEST(MachineJson, ErrorsNameLineAndReason) {
         {"unknown inner key",
          "{\"spooler\": {\n\"ports\": [\n{\"name\":\"a\",\"monitor\":\"b\",\n\"x\":1}]}}",
          "m.json:4: spooler/ports/0/x: unknown key"},
-        {"wrong type", "{\n\n\"discovery_port_taken\": 1}",
-         "m.json:3: discovery_port_taken: must be true or false"},
+        {"wrong type", "{\n\n\"wow64\": 1}", "m.json:3: wow64: must be true or false"},
         {"negative", "{\"ui_language\": -1}",
          "m.json:1: ui_language: must be a whole number from 0 to 65535"},
         {"too large", "{\"ui_language\": 65536}",
@@ -158,7 +154,6 @@ TEST(MachineJson, ErrorsNameLineAndReason) {
          "m.json:3: missing_strings/1: must be a whole number from 0 to 4294967295"},
         {"code page", "{\"code_page\": 1253}",
          "m.json:1: code_page: must be 932, 936, 949, 950, 1250, 1251, 1252 or 65001"},
-        {"system", "{\"system\": \"x64 \"}", "m.json:1: system: must be \"x64\" or \"x86\""},
         {"time", "{\"clock\": \"2024-13-04T09:05:01\"}",
          "m.json:1: clock: must be a local time like \"2024-07-04T09:05:01\", or empty for the real one"},
         {"lacking", "{\"faults\": [\n{}]}", "m.json:2: faults/0: lacks \"call\""},
@@ -175,12 +170,12 @@ TEST(MachineJson, ErrorsNameLineAndReason) {
         {"value of another type",
          "{\"registry\": {\"K\": {\"v\": {\n\"type\": \"dword\", \"value\": \"1\"}}}}",
          "m.json:2: registry/K/v/value: must be a whole number from 0 to 4294967295"},
-        {"twice", "{\"clock\": \"\",\n\"clock\": \"\"}", "m.json:2: clock: stands here a second time"},
+        {"twice", "{\"wow64\": true,\n\"wow64\": true}", "m.json:2: wow64: stands here a second time"},
         {"no object", "[]", "m.json:1: must be an object"},
     };
     for (const auto& test : cases)
         EXPECT_EQ(reason_of(test.text), test.expected) << test.name;
-    EXPECT_EQ(reason_of("{\n\"clock\": \"\",\n}").substr(0, 21), "m.json:3: syntax erro");
+    EXPECT_EQ(reason_of("{\n\"wow64\": true,\n}").substr(0, 21), "m.json:3: syntax erro");
     EXPECT_EQ(reason_of("").substr(0, 21), "m.json:1: syntax erro");
 }
 
@@ -190,15 +185,15 @@ TEST(MachineJson, SavingReplacesTheFileOrLeavesIt) {
     const fs::path folder = name, file = folder / "m.json";
     Machine machine = default_machine();
     save_machine(machine, file);
-    machine.discovery_port_taken = true;
+    machine.wow64 = true;
     save_machine(machine, file);
-    EXPECT_TRUE(load_machine(file).discovery_port_taken);
+    EXPECT_TRUE(load_machine(file).wow64);
 
     Machine unwritable = machine;
-    unwritable.discovery_port_taken = false;
+    unwritable.wow64 = false;
     unwritable.spooler.default_printer = u"\xD800";
     EXPECT_THROW(save_machine(unwritable, file), MachineFileError);
-    EXPECT_TRUE(load_machine(file).discovery_port_taken);
+    EXPECT_TRUE(load_machine(file).wow64);
     EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1);
 
     EXPECT_THROW(load_machine(folder / "none.json"), MachineFileError);
