@@ -11,7 +11,6 @@ namespace rehearsal {
 
 void add_rehearse(CLI::App& app, int& status);
 void add_remove(CLI::App& app, int& status);
-void add_matrix(CLI::App& app, int& status);
 void add_printer(CLI::App& app, int& status);
 void add_log(CLI::App& app, int& status);
 void add_new(CLI::App& app, int& status);

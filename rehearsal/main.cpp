@@ -34,7 +34,6 @@ int main(int argc, char** argv) {
     int status = rehearsal::ended_well;
     rehearsal::add_rehearse(app, status);
     rehearsal::add_remove(app, status);
-    rehearsal::add_matrix(app, status);
     rehearsal::add_printer(app, status);
     rehearsal::add_log(app, status);
     rehearsal::add_new(app, status);

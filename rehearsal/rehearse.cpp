@@ -85,7 +85,7 @@ Outcome run(const RehearseOptions& options, platform::Machine& machine, const Su
     program.original_drive = around.drive ? around.drive->original() : fs::path();
     program.medium = options.medium;
     program.command_line = options.command_line;
-    program.real_time = !options.jump;
+    program.real_time = true;
     program.finished = [&view] { view.look(); };
     Outcome outcome = run_program(program, machine, *user, view.log);
     outcome.boxes = user->boxes;

@@ -14,7 +14,6 @@ struct RehearseOptions {
     std::string command_line;
     std::string report; // file, "-" for standard output, empty for none
     bool quiet = false;
-    bool jump = false; // the clock jumps over waits in place of taking their time
 };
 
 int rehearse(const RehearseOptions& options);

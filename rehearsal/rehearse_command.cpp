@@ -45,8 +45,6 @@ void add_rehearse(CLI::App& app, int& status) {
     command->add_option("--report", options.report,
                         "The outcome as JSON, to a file or to standard output with -");
     command->add_flag("--quiet", options.quiet, "No running commentary");
-    command->add_flag("--jump", options.jump,
-                      "Jump over waits, also that for a network's answers; with scripted networks alone");
     command->footer(std::string("What a script or a person can do:\n  ") + action_help + rehearse_footer);
     command->callback([kept, &status] { status = rehearse(*kept); });
 }

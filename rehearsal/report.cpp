@@ -69,15 +69,6 @@ ordered_json shortcuts_json(const Outcome& outcome, const std::filesystem::path&
     return out;
 }
 
-// How often each call came that could have failed.
-ordered_json calls_json(const Outcome& outcome) {
-    std::map<std::string, unsigned> counts;
-    for (const platform::JournalEntry& entry : outcome.journal)
-        if (entry.can_fail)
-            ++counts[entry.call];
-    return counts;
-}
-
 } // namespace
 
 std::string report_text(const Outcome& outcome, const Verdict& verdict,
@@ -90,7 +81,6 @@ std::string report_text(const Outcome& outcome, const Verdict& verdict,
     out["refusal"] = outcome.refusal;
     out["script_problem"] = outcome.problem;
     out["failures"] = find_failures(outcome);
-    out["calls"] = calls_json(outcome);
     out["dialogs"] = dialogs_json(outcome);
     out["boxes"] = boxes_json(outcome);
     out["log"] = outcome.log;
