@@ -29,6 +29,7 @@ mapfile -t changed < <(git diff --name-only "$base" -- '*.cpp' | sort | comm -12
 mapfile -t others < <(printf '%s\n' "${known[@]}" | comm -23 - <(printf '%s\n' "${changed[@]}"))
 
 tidy() { # FILE...: two at a time
+    [ $# -gt 0 ] || return 0
     printf '%s\0' "$@" | xargs -0 -r -n 1 -P 2 clang-tidy -p "$database" --quiet --warnings-as-errors='*' \
         --extra-arg=-Wno-error --extra-arg=-Wno-unknown-warning-option 2>"$database/clang-tidy.log"
 }
