@@ -2,15 +2,13 @@
 
 #include "machine/inf_package.h"
 #include "machine/text.h"
-#include "package/driver_inf.h"
-#include "rehearsal/check/program_view.h"
 #include "rehearsal/exit_status.h"
 #include "rehearsal/judge.h"
 #include "rehearsal/log_follower.h"
 #include "rehearsal/machine_view.h"
+#include "rehearsal/medium_driver.h"
 #include "rehearsal/program_run.h"
 #include "rehearsal/users.h"
-#include "state/app_state.h"
 
 #include <algorithm>
 #include <sstream>
@@ -24,26 +22,6 @@ namespace rehearsal {
 namespace {
 
 constexpr char example_address[] = "192.0.2.10"; // of the range for examples (RFC 5737)
-constexpr std::uint32_t read_code_page = 1252;
-
-std::string fact_version(std::uint64_t version) {
-    std::string text;
-    for (int place = 3; place >= 0; --place)
-        text += (place == 3 ? "" : ".") + std::to_string(version >> (16 * place) & 0xffffu);
-    return text;
-}
-
-// What the setup finds on the medium, by its own reader.
-bool read_identity(const check::Medium& medium, DriverIdentity& identity) {
-    int found = 0;
-    check::with_program(medium, [&] {
-        constexpr int name_size = 255; // as the setup gives it
-        found = find_driver_inf(identity.driverName, name_size, identity.manuName, name_size,
-                                identity.mdlName, name_size, identity.infPath, identity.infFile, 1,
-                                &identity.version, &identity.hasUSB, 0);
-    });
-    return found != 0;
-}
 
 void add_models(MediumFacts& facts, const std::u16string& inf, const char16_t* environment) {
     platform::InfPackage package;
@@ -61,20 +39,20 @@ void read_models(MediumFacts& facts, const check::Medium& medium) {
     const check::MediumEntry* file = medium.find_file("Drivers/" + facts.inf);
     if (file == nullptr)
         return;
-    const std::u16string text = platform::to_utf16(ansi_to_utf8(medium.bytes(*file), read_code_page));
+    const std::u16string text = platform::to_utf16(ansi_to_utf8(medium.bytes(*file), driver_code_page));
     for (const char16_t* environment : {u"Windows NT x86", u"Windows x64", u"Windows ARM64"})
         add_models(facts, text, environment);
 }
 
 void read_driver(MediumFacts& facts, const check::Medium& medium) {
-    DriverIdentity identity = {};
-    if (!read_identity(medium, identity))
+    const std::optional<MediumDriver> driver = read_medium_driver(medium);
+    if (!driver)
         throw std::runtime_error("the setup finds no driver on this medium; trk check tells why");
-    facts.driver = ansi_to_utf8(identity.driverName, read_code_page);
-    facts.version = fact_version(identity.version);
-    facts.inf = ansi_to_utf8(identity.infFile, read_code_page);
-    facts.model = ansi_to_utf8(identity.mdlName, read_code_page);
-    facts.usb = identity.hasUSB != 0;
+    facts.driver = driver->name;
+    facts.version = version_text(driver->version);
+    facts.inf = driver->inf;
+    facts.model = driver->model;
+    facts.usb = driver->usb;
     read_models(facts, medium);
 }
 

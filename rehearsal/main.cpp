@@ -33,6 +33,7 @@ int main(int argc, char** argv) {
     app.footer(footer);
     int status = rehearsal::ended_well;
     rehearsal::add_rehearse(app, status);
+    rehearsal::add_profiles(app, status);
     rehearsal::add_remove(app, status);
     rehearsal::add_printer(app, status);
     rehearsal::add_log(app, status);

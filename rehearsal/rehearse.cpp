@@ -8,6 +8,7 @@
 #include "rehearsal/machine_view.h"
 #include "rehearsal/output_file.h"
 #include "rehearsal/own_output.h"
+#include "rehearsal/profiles.h"
 #include "rehearsal/program_run.h"
 #include "rehearsal/report.h"
 #include "rehearsal/shown_text.h"
@@ -110,10 +111,16 @@ void keep_results(Surroundings& around, const platform::Machine& machine, const 
         around.report->put_in_place();
 }
 
+platform::Machine first_machine(const RehearseOptions& options) {
+    if (!options.machine_file.empty())
+        return platform::load_machine(options.machine_file);
+    return options.profile.empty() ? platform::default_machine()
+                                   : profile_machine(options.profile, options.medium);
+}
+
 int rehearse_on(const RehearseOptions& options) {
     Surroundings around(options);
-    platform::Machine machine = options.machine_file.empty() ? platform::default_machine()
-                                                             : platform::load_machine(options.machine_file);
+    platform::Machine machine = first_machine(options);
     check_fault_names(machine, options.machine_file);
     OwnOutput own;
     const bool to_output = options.report == "-";

@@ -9,6 +9,7 @@ namespace rehearsal {
 struct RehearseOptions {
     std::filesystem::path medium;
     std::filesystem::path machine_file; // empty: a fresh machine in a temporary folder
+    std::string profile;                // of a machine in place of the file; empty: none
     std::filesystem::path drive_c;      // empty: beside the machine file, its name with ".drive-c" behind it
     std::filesystem::path script;       // empty: a person at a terminal, or a user who cancels
     std::string command_line;

@@ -20,7 +20,8 @@ end; 2 wrong usage, or a file that can't be read or written; 3 the program asked
 
 Example:
   cp samples/machines/two_printers.json laptop.json
-  trk rehearse --machine laptop.json --script samples/install.actions samples/medium)";
+  trk rehearse --machine laptop.json --script samples/install.actions samples/medium
+  trk rehearse --profile german --script samples/install.actions samples/medium)";
 
 } // namespace
 
@@ -32,10 +33,14 @@ void add_rehearse(CLI::App& app, int& status) {
     command->add_option("medium", options.medium, "The distribution folder")
         ->required()
         ->check(CLI::ExistingDirectory);
-    command
-        ->add_option("--machine", options.machine_file,
-                     "The machine before and, rewritten, after (JSON); none: a fresh one that isn't kept")
-        ->check(CLI::ExistingFile);
+    CLI::Option* const machine =
+        command
+            ->add_option("--machine", options.machine_file,
+                         "The machine before and, rewritten, after (JSON); none: a fresh one that isn't kept")
+            ->check(CLI::ExistingFile);
+    command->add_option("--profile", options.profile, "A machine of trk profiles, which isn't kept")
+        ->type_name("NAME")
+        ->excludes(machine);
     command->add_option("--drive-c", options.drive_c, drive_c_help);
     command
         ->add_option("--script", options.script,
