@@ -1,7 +1,7 @@
 # Two commands do everything on a fresh Debian 12: `make run` and `make test`. CMake presets stand behind them.
 JOBS ?= $(shell nproc)
 
-.PHONY: help run test wine wine32 screenshots times lint tsan windows linux install package try-package sign packages pictures catalogue best_fit format clean
+.PHONY: help run test wine wine32 screenshots times lint tsan fuzz windows linux install package try-package sign packages pictures catalogue best_fit format clean
 .DEFAULT_GOAL := help
 
 help:
@@ -12,6 +12,7 @@ help:
 	@echo "make screenshots  photograph every dialog in every language under Wine, into docs/pictures/"
 	@echo "make lint     the layout of the sources, and clang-tidy for some of them"
 	@echo "make tsan     the scenarios under ThreadSanitizer"
+	@echo "make fuzz     feed the readers with made-up bytes: SECONDS each (60), TARGETS (all of fuzz/corpus)"
 	@echo "make times    where the time of the last builds, tests and runs went"
 	@echo "make windows  the two Windows programs and the library, stripped, in dist/"
 	@echo "make linux    the rehearsal tool alone, in build/linux"
@@ -48,6 +49,14 @@ tsan: packages
 	@mkdir -p build && cmake --preset tsan >build/tsan-configure.log
 	@cmake/timed.sh build-tsan cmake --build --preset tsan --parallel $(JOBS) --target trk_scenario_tests
 	@cmake/timed.sh tsan build/tsan/tests/trk_scenario_tests --gtest_brief=1
+
+# By clang, whose library makes up the inputs. FUZZ_KEEP=1 adds the inputs that reach new places to fuzz/corpus.
+fuzz: SECONDS ?= 60
+fuzz: packages
+	@cmake/install_packages.sh debian-packages-fuzz.txt
+	@mkdir -p build && cmake --preset fuzz >build/fuzz-configure.log
+	@cmake/timed.sh build-fuzz cmake --build --preset fuzz --parallel $(JOBS) --target trk_fuzz
+	@TRK_FUZZ_KEEP=$(FUZZ_KEEP) fuzz/run.sh $(SECONDS) $(TARGETS)
 
 windows: packages
 	@cmake/build.sh $(JOBS) windows-i686 windows-x86_64

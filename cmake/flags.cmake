@@ -83,8 +83,13 @@ endif()
 
 option(TRK_ASAN "AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
 option(TRK_TSAN "ThreadSanitizer" OFF)
+option(TRK_FUZZ "libFuzzer with AddressSanitizer and UndefinedBehaviorSanitizer, by clang" OFF)
 if(TRK_ASAN)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+elseif(TRK_FUZZ)
+  # The warnings are for the compiler that the programs are made with; this one knows others.
+  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -w)
   add_link_options(-fsanitize=address,undefined)
 elseif(TRK_TSAN)
   # With its instrumentation the compiler sees null pointers in the standard library's own headers.

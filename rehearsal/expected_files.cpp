@@ -111,17 +111,18 @@ void check_shortcuts(const Outcome& outcome, const fs::path& drive_c, std::vecto
     for (const auto& [label, program] :
          {std::pair("Uninstall", "trk_remove.exe"), {"Wrenchbay", "wrenchbay.exe"}}) {
         const bool found =
-            std::any_of(outcome.files_after.begin(), outcome.files_after.end(), [&](const auto& entry) {
-                const std::string path = folded(entry.first);
-                if (!path.starts_with(group) || !path.ends_with(".lnk"))
-                    return false;
-                // The folder of the target closes with two backslashes.
-                std::string target =
-                    folded(platform::to_utf8(read_shortcut(outcome, drive_c, entry.first).target));
-                if (const std::size_t doubled = target.rfind("\\\\"); doubled != target.npos)
-                    target.erase(doubled, 1);
-                return target == programs + program;
-            });
+            std::any_of(outcome.files_after.begin(), outcome.files_after.end(),
+                        [&, program = program](const auto& entry) {
+                            const std::string path = folded(entry.first);
+                            if (!path.starts_with(group) || !path.ends_with(".lnk"))
+                                return false;
+                            // The folder of the target closes with two backslashes.
+                            std::string target = folded(
+                                platform::to_utf8(read_shortcut(outcome, drive_c, entry.first).target));
+                            if (const std::size_t doubled = target.rfind("\\\\"); doubled != target.npos)
+                                target.erase(doubled, 1);
+                            return target == programs + program;
+                        });
         if (!found)
             missing.push_back(std::string("no shortcut \"") + label + "\"");
     }

@@ -14,8 +14,8 @@ DWORD read_text_line(HANDLE file, char* line, DWORD size);
 
 // The first entry of the section into `value` of `value_size` bytes, and its length; 0 when there is none.
 // The section comes with its brackets, the key with its '='. A value that doesn't fit is cut, and then a
-// later entry with the same key replaces it. The file is settings.inf below the current folder with
-// `file_flag`, else wrenchbay\settings.inf.
+// later entry with the same key replaces it; an empty one makes the result 0 and leaves the cut text. The
+// file is settings.inf below the current folder with `file_flag`, else wrenchbay\settings.inf.
 DWORD read_setting(const char* section, const char* key, char* value, DWORD value_size, int file_flag);
 
 // 0 when the first `count` characters are equal, else 1. Doesn't stop at a terminator.
