@@ -70,6 +70,9 @@ else()
   target_include_directories(trk_source_flags SYSTEM INTERFACE ${PROJECT_SOURCE_DIR}/platform/include)
 endif()
 
+# Linux's presets take -Og: under the sanitizers it costs a compiler two thirds of what -O1 does, without them of what
+# -O2 does. -O0 saves no more, since the assembler reads twice as much.
+
 # On Linux most of a compiler's time goes into the standard library's headers and templates, so that several sources
 # in one unit take less than half of it; precompiled headers were tried and saved nothing. src/ includes nearly
 # nothing of the kind and is always compiled file by file, as it is for Windows.
