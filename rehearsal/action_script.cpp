@@ -38,7 +38,12 @@ struct Reader {
     const std::string& line;
     std::size_t place = 0;
 
-    std::size_t column() const { return place + 1; }
+    // From 1, in characters of UTF-8.
+    std::size_t column() const {
+        return 1 + static_cast<std::size_t>(std::count_if(line.begin(),
+                                                          line.begin() + static_cast<std::ptrdiff_t>(place),
+                                                          [](char byte) { return (byte & 0xC0) != 0x80; }));
+    }
     bool ended() const { return place == line.size() || line[place] == '#'; }
     void skip_blanks() {
         while (place < line.size() && std::strchr(blanks, line[place]) != nullptr)

@@ -1,6 +1,8 @@
 // Text from the network, a file or a command line, made fit for a terminal and for comparison.
 #pragma once
 
+#include "machine/near_words.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,14 +14,8 @@ namespace rehearsal {
 // stays one.
 std::string shown_text(std::string_view text);
 
-// Small letters in place of ASCII capitals, for names that are compared without regard to case.
-std::string folded(std::string_view text);
-
-// Those of the words that a mistyped one may have meant, three at most, the nearest first; at an equal
-// distance in the order of `words`. None when nothing is near.
-std::vector<std::string> nearest_words(const std::string& wrong, const std::vector<std::string>& words);
-
-// The same as a question: " (did you mean X or Y?)"; empty when nothing is near.
-std::string did_you_mean(const std::string& wrong, const std::vector<std::string>& words);
+using platform::did_you_mean;
+using platform::folded;
+using platform::nearest_words;
 
 } // namespace rehearsal

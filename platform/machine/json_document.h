@@ -1,9 +1,8 @@
-// A JSON text with the lines on which its values stand.
+// A JSON text, and where in it its values stand.
 #pragma once
 
 #include <nlohmann/json.hpp>
 
-#include <map>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -12,21 +11,30 @@ namespace platform {
 
 using Json = nlohmann::ordered_json;
 
+// A place in a text, both from 1. A column counts characters.
+struct JsonSpot {
+    unsigned line = 1;
+    unsigned column = 1;
+};
+
 // Where something is wrong with a document.
 struct JsonError : std::runtime_error {
-    JsonError(unsigned line_number, const std::string& reason)
-        : std::runtime_error(reason), line(line_number) {}
-    unsigned line; // from 1
+    JsonError(JsonSpot where, const std::string& reason) : std::runtime_error(reason), spot(where) {}
+    JsonSpot spot;
 };
 
-struct JsonDocument {
+class JsonDocument {
+public:
     Json root;
-    std::map<std::string, unsigned> lines; // by path: "adapters/0/network"
+    std::string text; // that it was read from
 
-    [[noreturn]] void fail(const std::string& path, const std::string& reason) const;
+    // Where a value of the document stands, or the key before it. Each answer reads the text once more.
+    JsonSpot spot_of(const Json& value) const;
+    JsonSpot spot_of_key(const Json& value) const;
 };
 
-// Throws JsonError for a text that is no JSON, and for one that has a key twice in an object.
+// Throws JsonError for a text that is no JSON, that has a key twice in an object, a number that no double can
+// hold, or more levels than any of our files has. The time goes by the text's length.
 JsonDocument parse_json(std::string_view text);
 
 } // namespace platform

@@ -5,9 +5,12 @@
 #pragma once
 
 #include "machine/json_values.h"
+#include "machine/near_words.h"
 
-#include <set>
+#include <algorithm>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace platform {
 
@@ -19,12 +22,18 @@ public:
     }
     template<class T>
     bool operator()(const char* key, T&& value) { // whether the key was there
-        known_.insert(key);
+        known_.emplace_back(key);
         const auto found = place_.value.find(key);
         if (found == place_.value.end())
             return false;
         from_json_value(place_.at(key, *found), value);
         return true;
+    }
+    // The check looks at what was read, and complains at its place.
+    template<class T, class Check>
+    void operator()(const char* key, T&& value, Check check) {
+        if ((*this)(key, value))
+            check(place_.at(key, *place_.value.find(key)), value);
     }
     template<class T>
     void required(const char* key, T&& value) {
@@ -32,15 +41,16 @@ public:
             place_.fail(std::string("lacks \"") + key + "\"");
     }
     // Complains about keys that nobody asked for; those named here were read in some other way.
-    void finish(const std::set<std::string>& also = {}) const {
+    void finish(const std::vector<std::string>& also = {}) {
+        known_.insert(known_.end(), also.begin(), also.end());
         for (const auto& [key, value] : place_.value.items())
-            if (!known_.contains(key) && !also.contains(key))
-                place_.at(key, value).fail("unknown key");
+            if (std::find(known_.begin(), known_.end(), key) == known_.end())
+                place_.at(key, value).fail_at_key("unknown key" + did_you_mean_or_list(key, known_));
     }
 
 private:
     const JsonPlace& place_;
-    std::set<std::string> known_;
+    std::vector<std::string> known_; // in the order in which they are asked for
 };
 
 class JsonWriter {
@@ -50,6 +60,10 @@ public:
         Json written = json_value(value);
         if (!written.is_null())
             object[key] = std::move(written);
+    }
+    template<class T, class Check>
+    void operator()(const char* key, T&& value, const Check&) {
+        (*this)(key, value);
     }
     template<class T>
     void required(const char* key, T&& value) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <iterator>
 #include <span>
 #include <string_view>
@@ -34,15 +35,31 @@ std::optional<std::vector<unsigned>> numbers_of(std::string_view text, std::stri
     return place == end ? std::optional(numbers) : std::nullopt;
 }
 
+std::string dotted(const std::vector<unsigned>& numbers) {
+    std::string text;
+    for (const unsigned number : numbers)
+        text += (text.empty() ? "" : ".") + std::to_string(number);
+    return text;
+}
+
+// Year, month, day, hour, minute and second, from the year on in which the platform's time begins.
+bool is_time(const std::vector<unsigned>& time) {
+    using namespace std::chrono;
+    const year_month_day date(year(static_cast<int>(time[0])), month(time[1]), day(time[2]));
+    return date.ok() && time[0] >= 1601 && time[3] < 24 && time[4] < 60 && time[5] < 60;
+}
+
 // Words that stand for the number of their place.
-std::uint32_t number_of(const JsonPlace& place, std::span<const std::string_view> words) {
+std::uint32_t number_of(const JsonPlace& place, std::span<const std::string_view> words,
+                        std::uint32_t largest) {
     if (place.value.is_number())
-        return number_from_json(place, UINT32_MAX);
+        return number_from_json(place, largest);
     std::string text;
     from_json_value(place, text);
     const auto found = std::find(words.begin(), words.end(), text);
     if (found == words.end())
-        place.fail("\"" + text + "\" isn't known here");
+        place.fail("\"" + text + "\" isn't known here" +
+                   did_you_mean_or_list(text, {words.begin(), words.end()}));
     return static_cast<std::uint32_t>(found - words.begin());
 }
 
@@ -90,9 +107,9 @@ std::optional<Json> readable(std::uint32_t type, const std::vector<std::uint8_t>
 std::vector<std::uint8_t> bytes_of(const JsonPlace& place, std::uint32_t type) {
     std::vector<std::uint8_t> bytes;
     if (is_text(type)) {
-        std::u16string text;
+        std::string text; // with a NUL where the bytes have one
         from_json_value(place, text);
-        bytes = text_bytes(text);
+        bytes = text_bytes(to_utf16(text));
     } else if (type == type_dword) {
         const std::uint32_t number = number_from_json(place, UINT32_MAX);
         for (int shift = 0; shift < 32; shift += 8)
@@ -117,7 +134,7 @@ struct TypeName {
 };
 
 void from_json_value(const JsonPlace& place, const TypeName& form) {
-    form.type = number_of(place, types);
+    form.type = number_of(place, types, UINT32_MAX);
 }
 
 template<class Value>
@@ -171,7 +188,8 @@ Json json_value(const VersionText& form) {
 
 void from_json_value(const JsonPlace& place, const DottedAddress& form) {
     from_json_value(place, form.text);
-    if (!numbers_of(form.text, "n.n.n.n", 255))
+    const auto numbers = numbers_of(form.text, "n.n.n.n", 255);
+    if (!numbers || dotted(*numbers) != form.text) // 010 is octal to some and 10 to others
         place.fail("must be an address like \"10.0.0.7\"");
 }
 
@@ -194,11 +212,7 @@ void from_json_value(const JsonPlace& place, const ClockText& form) {
     if (form.text.empty())
         return;
     const auto time = numbers_of(form.text, "n-n-nTn:n:n", 9999);
-    const auto within = [&time](std::size_t index, unsigned least, unsigned most) {
-        return (*time)[index] >= least && (*time)[index] <= most;
-    };
-    if (!time || form.text.size() != 19 || !within(0, 1601, 9999) || !within(1, 1, 12) || !within(2, 1, 31) ||
-        !within(3, 0, 23) || !within(4, 0, 59) || !within(5, 0, 59))
+    if (!time || form.text.size() != 19 || !is_time(*time))
         place.fail("must be a local time like \"2024-07-04T09:05:01\", or empty for the real one");
 }
 
@@ -218,7 +232,7 @@ Json json_value(const CodePageNumber& form) {
 }
 
 void from_json_value(const JsonPlace& place, const StateName& form) {
-    form.state = number_of(place, states);
+    form.state = number_of(place, states, std::size(states) - 1);
 }
 
 Json json_value(const StateName& form) {

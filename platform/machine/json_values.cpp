@@ -13,6 +13,14 @@ int digit_value(char digit) {
 
 } // namespace
 
+void JsonPlace::fail(const std::string& reason) const {
+    throw JsonError(document.spot_of(value), path.empty() ? reason : path + ": " + reason);
+}
+
+void JsonPlace::fail_at_key(const std::string& reason) const {
+    throw JsonError(document.spot_of_key(value), path + ": " + reason);
+}
+
 void from_json_value(const JsonPlace& place, bool& value) {
     if (!place.value.is_boolean())
         place.fail("must be true or false");
@@ -29,6 +37,8 @@ void from_json_value(const JsonPlace& place, std::u16string& value) {
     std::string text;
     from_json_value(place, text);
     value = to_utf16(text);
+    if (value.find(u'\0') != value.npos)
+        place.fail("has a NUL in it");
 }
 
 void from_json_value(const JsonPlace& place, std::vector<std::uint8_t>& value) {
@@ -55,14 +65,14 @@ std::uint32_t number_from_json(const JsonPlace& place, std::uint32_t largest) {
 
 Json json_value(const std::string& value) {
     if (to_utf8(to_utf16(value)) != value)
-        throw JsonError(0, "a text that is no UTF-8 can't be written");
+        throw JsonError({}, "a text that is no UTF-8 can't be written");
     return value;
 }
 
 Json json_value(const std::u16string& value) {
     const std::string text = to_utf8(value);
     if (to_utf16(text) != value)
-        throw JsonError(0, "\"" + text + "\" holds half a surrogate pair and can't be written");
+        throw JsonError({}, "\"" + text + "\" holds half a surrogate pair and can't be written");
     return text;
 }
 

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <limits>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -19,13 +20,14 @@ struct JsonPlace {
     const Json& value;
     std::string path;
 
-    [[noreturn]] void fail(const std::string& reason) const { document.fail(path, reason); }
+    [[noreturn]] void fail(const std::string& reason) const;
+    [[noreturn]] void fail_at_key(const std::string& reason) const; // where the value is a member
     JsonPlace at(const std::string& key, const Json& inner) const {
         return {document, inner, path.empty() ? key : path + "/" + key};
     }
 };
 
-// Plain values. Bytes are a text of hexadecimal digits.
+// Plain values. Bytes are a text of hexadecimal digits. A 16-bit text has no NUL in it.
 void from_json_value(const JsonPlace& place, bool& value);
 void from_json_value(const JsonPlace& place, std::string& value);
 void from_json_value(const JsonPlace& place, std::u16string& value);
@@ -43,7 +45,8 @@ Json json_value(T value) {
     return value;
 }
 
-// Lists and tables of anything; what is read replaces what was there.
+// Lists and tables of anything; what is read replaces what was there. Two keys of a table differ in more
+// than case.
 template<class T>
 concept ListElement = !std::same_as<T, std::uint8_t>; // a list of bytes is a text
 template<class T>
@@ -71,8 +74,16 @@ void from_json_value(const JsonPlace& place, std::map<std::u16string, T>& table)
     if (!place.value.is_object())
         place.fail("must be an object");
     table.clear();
-    for (const auto& [key, element] : place.value.items())
-        from_json_value(place.at(key, element), table[to_utf16(key)]);
+    std::set<std::u16string> known;
+    for (const auto& [key, element] : place.value.items()) {
+        const JsonPlace inner = place.at(key, element);
+        const std::u16string name = to_utf16(key);
+        if (!known.insert(upper_case(name)).second)
+            inner.fail_at_key("differs from another key in case alone");
+        if (name.find(u'\0') != name.npos)
+            inner.fail_at_key("has a NUL in it");
+        from_json_value(inner, table[name]);
+    }
 }
 
 template<ListElement T>
@@ -87,7 +98,8 @@ template<class T>
 Json json_value(std::map<std::u16string, T>& table) {
     Json written = Json::object();
     for (auto& [key, element] : table)
-        written[json_value(key).template get<std::string>()] = json_value(element);
+        written.get_ref<Json::object_t&>().emplace_back(json_value(key).template get<std::string>(),
+                                                        json_value(element));
     return written;
 }
 

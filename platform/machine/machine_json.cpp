@@ -1,12 +1,23 @@
 #include "machine/machine_json.h"
 
 #include "machine/json_forms.h"
+#include "machine/value_checks.h"
+#include "machine/whole_file.h"
 
+#include <cerrno>
 #include <fstream>
-#include <sstream>
+#include <system_error>
 
 // The keys of all records, in the order in which they are written. Each list serves reading and writing.
 namespace platform {
+namespace {
+
+// What the streams leave in errno tells why, if anything does.
+std::error_code last_error() {
+    return {errno == 0 ? EIO : errno, std::generic_category()};
+}
+
+} // namespace
 
 template<class Archive>
 void fields(Archive& archive, Fault& fault) {
@@ -27,9 +38,9 @@ void fields(Archive& archive, SystemVersion& version) {
 
 template<class Archive>
 void fields(Archive& archive, Folders& folders) {
-    archive("windows", folders.windows);
-    archive("program_files", folders.program_files);
-    archive("common_programs", folders.common_programs);
+    archive("windows", folders.windows, check_path_on_c);
+    archive("program_files", folders.program_files, check_path_on_c);
+    archive("common_programs", folders.common_programs, check_path_on_c);
 }
 
 template<class Archive>
@@ -53,8 +64,8 @@ template<class Archive>
 void fields(Archive& archive, Service& service) {
     archive.required("name", service.name);
     archive.required("now", service.now);
-    archive("on_stop", service.on_stop);
-    archive("on_start", service.on_start);
+    archive("on_stop", service.on_stop, check_phases);
+    archive("on_start", service.on_start, check_phases);
     archive("stop_error", service.stop_error);
     archive("start_error", service.start_error);
     archive("dependents", service.dependents);
@@ -77,7 +88,7 @@ void fields(Archive& archive, ChildProgram& child) {
 template<class Archive>
 void fields(Archive& archive, PrinterDriver& driver) {
     archive.required("name", driver.name);
-    archive("environment", driver.environment);
+    archive("environment", driver.environment, check_environment);
     archive("version", VersionText{driver.version});
     archive("inf_path", driver.inf_path);
 }
@@ -105,8 +116,8 @@ void fields(Archive& archive, PrintPort& port) {
     archive("type", port.type);
     archive("host_address", port.host_address);
     archive("ip_address", port.ip_address);
-    archive("protocol", port.protocol);
-    archive("port_number", port.port_number);
+    archive("protocol", port.protocol, check_protocol);
+    archive("port_number", port.port_number, check_port_number);
     archive("snmp_enabled", port.snmp_enabled);
     archive("configuration", port.configuration);
 }
@@ -114,10 +125,10 @@ void fields(Archive& archive, PrintPort& port) {
 template<class Archive>
 void fields(Archive& archive, PortMonitor& monitor) {
     archive.required("name", monitor.name);
-    archive("environment", monitor.environment);
+    archive("environment", monitor.environment, check_environment);
     archive("dll", monitor.dll);
     archive("standard_tcpip", monitor.standard_tcpip);
-    archive("configuration_size", monitor.configuration_size);
+    archive("configuration_size", monitor.configuration_size, check_block_size);
 }
 
 template<class Archive>
@@ -128,10 +139,10 @@ void fields(Archive& archive, StoredPackage& package) {
 
 template<class Archive>
 void fields(Archive& archive, SpoolerState& spooler) {
-    archive("drivers", spooler.drivers);
-    archive("queues", spooler.queues);
-    archive("ports", spooler.ports);
-    archive("monitors", spooler.monitors);
+    archive("drivers", spooler.drivers, check_names<PrinterDriver>);
+    archive("queues", spooler.queues, check_names<PrintQueue>);
+    archive("ports", spooler.ports, check_names<PrintPort>);
+    archive("monitors", spooler.monitors, check_names<PortMonitor>);
     archive("processors", spooler.processors);
     archive("packages", spooler.packages);
     archive("default_printer", spooler.default_printer);
@@ -142,22 +153,22 @@ template<class Archive>
 void fields(Archive& archive, Machine& machine) {
     archive("version", machine.version);
     archive("code_page", CodePageNumber{machine.code_page});
-    archive("locale", machine.locale_abbreviation);
-    archive("ui_language", machine.ui_language);
+    archive("locale", machine.locale_abbreviation, check_locale);
+    archive("ui_language", machine.ui_language, check_language);
     archive("wow64", machine.wow64);
     archive("clock", ClockText{machine.clock});
     archive("folders", machine.folders);
-    archive("current_folder", machine.current_folder);
-    archive("program_name", machine.program_name);
-    archive("environment", machine.environment);
-    archive("registry", machine.registry);
+    archive("current_folder", machine.current_folder, check_absolute_path);
+    archive("program_name", machine.program_name, check_file_name);
+    archive("environment", machine.environment, check_variables);
+    archive("registry", machine.registry, check_registry_keys);
     archive("spooler", machine.spooler);
-    archive("services", machine.services);
+    archive("services", machine.services, check_names<Service>);
     archive("usb_interfaces", machine.usb_interfaces);
     archive("adapters", machine.adapters);
     archive("discovery_port_taken", machine.discovery_port_taken);
-    archive("child_programs", machine.child_programs);
-    archive("missing_strings", machine.missing_strings);
+    archive("child_programs", machine.child_programs, check_names<ChildProgram>);
+    archive("missing_strings", machine.missing_strings, check_string_ids);
     archive("missing_functions", machine.missing_functions);
     archive("faults", machine.faults);
 }
@@ -169,7 +180,8 @@ Machine parse_machine(std::string_view text, const std::string& file) {
         from_json_value(JsonPlace{document, document.root, ""}, machine);
         return machine;
     } catch (const JsonError& error) {
-        throw MachineFileError(file, error.line, error.what());
+        throw MachineFileError(file + ":" + std::to_string(error.spot.line) + ":" +
+                               std::to_string(error.spot.column) + ": " + error.what());
     }
 }
 
@@ -179,12 +191,11 @@ std::string machine_text(const Machine& machine) {
 }
 
 Machine load_machine(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    std::ostringstream text;
-    text << stream.rdbuf();
-    if (!stream || text.bad())
-        throw MachineFileError(file.string(), 0, "can't be read");
-    return parse_machine(text.str(), file.string());
+    errno = 0;
+    const std::optional<std::string> text = read_whole_file(file);
+    if (!text)
+        throw MachineFileError(file.string() + ": can't be read: " + last_error().message());
+    return parse_machine(*text, file.string());
 }
 
 void save_machine(const Machine& machine, const std::filesystem::path& file) {
@@ -192,20 +203,23 @@ void save_machine(const Machine& machine, const std::filesystem::path& file) {
     try {
         text = machine_text(machine);
     } catch (const JsonError& error) {
-        throw MachineFileError(file.string(), 0, error.what());
+        throw MachineFileError(file.string() + ": " + error.what());
     }
     std::filesystem::path fresh = file;
     fresh += ".new";
+    errno = 0;
     std::ofstream stream(fresh, std::ios::binary);
     stream << text;
     stream.close();
     std::error_code problem;
-    if (stream)
+    if (!stream)
+        problem = last_error();
+    else
         std::filesystem::rename(fresh, file, problem);
-    if (!stream || problem) {
+    if (problem) {
         std::error_code ignored;
         std::filesystem::remove(fresh, ignored);
-        throw MachineFileError(file.string(), 0, "can't be written");
+        throw MachineFileError(file.string() + ": can't be written: " + problem.message());
     }
 }
 

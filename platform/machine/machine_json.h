@@ -1,6 +1,6 @@
 // The machine as a file: JSON with a key for each thing that the machine holds, described in
 // docs/rehearsal.md. A key that is missing leaves what the default machine has; an unknown key, a wrong type
-// or a value outside its range is an error.
+// or a value outside its range or one that no machine can have is an error.
 #pragma once
 
 #include "machine/machine.h"
@@ -12,13 +12,9 @@
 
 namespace platform {
 
-// what() is "<file>:<line>: <reason>", or "<file>: <reason>" where there is no line to name.
+// what() is "<file>:<line>:<column>: <reason>", or "<file>: <reason>" where there is no place to name.
 struct MachineFileError : std::runtime_error {
-    MachineFileError(const std::string& file, unsigned line_number, const std::string& why)
-        : std::runtime_error(file + (line_number == 0 ? "" : ":" + std::to_string(line_number)) + ": " + why),
-          line(line_number), reason(why) {}
-    unsigned line; // from 1; 0 when the error has no place
-    std::string reason;
+    using std::runtime_error::runtime_error;
 };
 
 // The file's name is only for messages.

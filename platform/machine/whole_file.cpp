@@ -1,17 +1,19 @@
 #include "machine/whole_file.h"
 
 #include <fstream>
-#include <sstream>
+#include <utility>
 
 namespace platform {
 
 std::optional<std::string> read_whole_file(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << stream.rdbuf(); // an error on the way is the target's
-    if (!stream || bytes.bad())
+    if (!stream)
         return std::nullopt;
-    return std::move(bytes).str();
+    std::string bytes;
+    char block[65536];
+    while (stream.read(block, sizeof block) || stream.gcount() > 0)
+        bytes.append(block, static_cast<std::size_t>(stream.gcount()));
+    return stream.bad() ? std::nullopt : std::optional(std::move(bytes));
 }
 
 } // namespace platform

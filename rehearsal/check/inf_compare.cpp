@@ -23,7 +23,7 @@ struct SetupNames {
     std::u16string model;
 };
 
-std::string in_quotes(std::u16string_view text) {
+std::string quoted_text(std::u16string_view text) {
     return "\"" + to_utf8(text) + "\"";
 }
 
@@ -100,8 +100,8 @@ std::string Comparison::token_remark(const PackageModel& model) const {
 void Comparison::name_missing(const PackageModel& first, Environment environment) {
     names_agree_ = false;
     add("inf-driver-name", first.place,
-        "the setup takes " + in_quotes(names_.driver) + " for the driver's name, and for " +
-            name_of(environment) + " the system has " + in_quotes(first.driver_name) + token_remark(first));
+        "the setup takes " + quoted_text(names_.driver) + " for the driver's name, and for " +
+            name_of(environment) + " the system has " + quoted_text(first.driver_name) + token_remark(first));
 }
 
 void Comparison::compare_models(Environment environment) {
@@ -121,8 +121,9 @@ void Comparison::compare_models(Environment environment) {
     if (model->install_section != names_.model) {
         names_agree_ = false;
         add("inf-model", model->section_place,
-            "the setup takes " + in_quotes(names_.model) + " for the model, and for " + name_of(environment) +
-                " the system installs " + in_quotes(model->install_section) + token_remark(*model));
+            "the setup takes " + quoted_text(names_.model) + " for the model, and for " +
+                name_of(environment) + " the system installs " + quoted_text(model->install_section) +
+                token_remark(*model));
     }
     look_at_further(package, *model);
 }
@@ -133,8 +134,8 @@ void Comparison::look_at_further(const InfPackage& package, const PackageModel& 
             same_name(model.install_section, installed.install_section))
             continue;
         add("inf-further-model", model.place,
-            in_quotes(model.driver_name) + " (" + to_utf8(model.install_section) +
-                ") is never searched nor installed: the setup takes " + in_quotes(installed.driver_name) +
+            quoted_text(model.driver_name) + " (" + to_utf8(model.install_section) +
+                ") is never searched nor installed: the setup takes " + quoted_text(installed.driver_name) +
                 " (" + to_utf8(installed.install_section) + ") alone");
     }
 }
@@ -151,13 +152,13 @@ void Comparison::compare_usb() {
             continue;
         if (is_usb(*model))
             add("inf-usb", model->place,
-                in_quotes(model->hardware_id) +
+                quoted_text(model->hardware_id) +
                     " isn't found by the setup, which then offers no USB: it looks "
                     "for \"usbprint\\\" in lower case behind the driver's name");
         else
             add("inf-usb-other", model->place,
                 "the setup finds \"usbprint\\\" further down and offers USB, but " +
-                    in_quotes(model->driver_name) + " has no such hardware id");
+                    quoted_text(model->driver_name) + " has no such hardware id");
         return;
     }
 }

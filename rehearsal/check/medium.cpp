@@ -1,6 +1,8 @@
 #include "rehearsal/check/medium.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <stdexcept>
 
@@ -148,12 +150,14 @@ const std::string& Medium::bytes(const MediumEntry& file) const {
     const auto known = bytes_.find(file.path);
     if (known != bytes_.end())
         return known->second;
+    errno = 0;
     std::ifstream stream(folder_ / file.path, std::ios::binary);
     std::string read(file.size, '\0');
     stream.read(read.data(), static_cast<std::streamsize>(read.size()));
     read.resize(static_cast<std::size_t>(stream.gcount()));
     if (!file.is_file() || stream.bad() || !stream.is_open())
-        throw std::runtime_error((folder_ / file.path).string() + ": can't be read");
+        throw std::runtime_error((folder_ / file.path).string() + ": can't be read" +
+                                 (errno == 0 ? "" : std::string(": ") + std::strerror(errno)));
     return bytes_.emplace(file.path, std::move(read)).first->second;
 }
 

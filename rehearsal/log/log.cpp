@@ -1,14 +1,16 @@
 #include "rehearsal/log/log.h"
 
+#include "machine/whole_file.h"
 #include "rehearsal/exit_status.h"
 #include "rehearsal/log/log_text.h"
 #include "rehearsal/log/log_views.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
-#include <fstream>
+#include <cstring>
 #include <iostream>
-#include <sstream>
+#include <optional>
 
 #include <unistd.h>
 
@@ -21,20 +23,10 @@ int no_log(const std::string& file, const std::string& reason) {
 }
 
 bool read_bytes(const std::string& file, std::string& bytes) {
-    std::ostringstream out;
-    if (file == "-") {
-        out << std::cin.rdbuf();
-    } else {
-        std::ifstream in(file, std::ios::binary);
-        if (!in)
-            return false;
-        // An empty file leaves the fail bit behind, which says nothing.
-        out << in.rdbuf();
-        if (in.bad())
-            return false;
-    }
-    bytes = out.str();
-    return true;
+    errno = 0;
+    const std::optional<std::string> read = platform::read_whole_file(file == "-" ? "/dev/stdin" : file);
+    bytes = read.value_or("");
+    return read.has_value();
 }
 
 void print_runs(const logs::Reading& reading, std::size_t first, const LogOptions& options) {
@@ -61,7 +53,7 @@ int read_install_log(const LogOptions& options) {
         return no_log(options.file, "code page " + std::to_string(options.code_page) + " isn't known");
     std::string bytes;
     if (!read_bytes(options.file, bytes))
-        return no_log(options.file, "can't be read");
+        return no_log(options.file, std::string("can't be read: ") + std::strerror(errno));
     logs::Reading reading = logs::read_log(logs::decode_log(bytes, options.code_page));
     if (reading.runs.empty())
         return no_log(options.file, "no install log: no line begins a run (\"Vorlane Installer\")");

@@ -60,7 +60,7 @@ void write_file(const fs::path& file, const std::string& bytes) {
     fs::create_directories(file.parent_path());
     std::ofstream out(file, std::ios::binary);
     if (!(out << bytes).flush())
-        throw std::runtime_error(file.filename().string() + " can't be written");
+        throw std::runtime_error(file.filename().string() + " can't be written: " + std::strerror(errno));
 }
 
 fs::path without_end_separator(const fs::path& folder) {
