@@ -1,6 +1,10 @@
 #include "rehearsal/output_file.h"
 
+#include "machine/machine_json.h"
+#include "rehearsal/shown_text.h"
+
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <stdexcept>
 #include <utility>
@@ -25,6 +29,11 @@ bool is_ordinary(const fs::path& path) {
     return !fs::exists(status) || fs::is_regular_file(status) || fs::is_directory(status);
 }
 
+// The file itself where a link leads to it.
+fs::path target_of(const fs::path& path) {
+    return fs::is_symlink(path) ? fs::weakly_canonical(path) : path;
+}
+
 } // namespace
 
 OutputFile::OutputFile(fs::path path) : path_(std::move(path)) {
@@ -34,8 +43,9 @@ OutputFile::OutputFile(fs::path path) : path_(std::move(path)) {
         fail(path_, "can't be written");
     }
     if (is_ordinary(path_)) {
-        const fs::path target = fs::is_symlink(path_) ? fs::weakly_canonical(path_) : path_;
-        beside_ = std::make_unique<Unfinished>(target.string() + ".new-" + std::to_string(getpid()));
+        const fs::path target = target_of(path_);
+        clear_leftovers(target);
+        beside_ = std::make_unique<Unfinished>(name_beside(target));
     }
     const fs::path& opened = beside_ ? beside_->path() : path_;
     const int flags = O_WRONLY | O_CLOEXEC | (beside_ ? O_CREAT | O_TRUNC : 0);
@@ -63,16 +73,34 @@ void OutputFile::write(const std::string& text) {
         fail(path_, "can't be written");
 }
 
-void OutputFile::put_in_place() {
+std::optional<Replacement> OutputFile::replacement() const {
     if (!beside_)
-        return;
-    const fs::path target = fs::is_symlink(path_) ? fs::weakly_canonical(path_) : path_;
-    if (rename(beside_->path().c_str(), target.c_str()) != 0)
-        fail(path_, "can't be written");
-    beside_->keep();
+        return std::nullopt;
+    return Replacement{beside_->path(), target_of(path_)};
+}
+
+void OutputFile::lock() {
+    if (flock(descriptor_, LOCK_EX | LOCK_NB) != 0)
+        fail(path_, "can't be locked");
+}
+
+Replacement finished_machine(OutputFile& file, const platform::Machine& machine) {
+    file.write(platform::machine_text(machine));
+    file.lock();
+    return file.replacement().value(); // what can be read and rewritten is an ordinary file
 }
 
 MachineLock::MachineLock(const fs::path& file) {
+    take(file);
+    if (!finish_change_over(file))
+        return;
+    std::fprintf(stderr, "trk: note: %s: an earlier run was cut off; its results are in their places now\n",
+                 shown_text(file.string()).c_str());
+    close(std::exchange(descriptor_, -1));
+    take(file); // the one that is there now
+}
+
+void MachineLock::take(const fs::path& file) {
     for (;;) {
         descriptor_ = open(file.c_str(), O_RDONLY | O_CLOEXEC);
         if (descriptor_ < 0)

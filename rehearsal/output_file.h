@@ -2,10 +2,13 @@
 // whole.
 #pragma once
 
+#include "machine/machine.h"
+#include "rehearsal/changeover.h"
 #include "rehearsal/unfinished.h"
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace rehearsal {
@@ -20,7 +23,10 @@ public:
     OutputFile& operator=(const OutputFile&) = delete;
 
     void write(const std::string& text); // all of it, and onto the disk; throws as above
-    void put_in_place();                 // by renaming, behind write
+    // What is to be renamed behind write; nothing for a pipe or device.
+    std::optional<Replacement> replacement() const;
+    // The new file is locked, as the old one is by MachineLock.
+    void lock();
 
 private:
     const std::filesystem::path path_;
@@ -31,15 +37,21 @@ private:
 // The machine file, for one run at a time.
 class MachineLock {
 public:
-    // Throws std::runtime_error when another run has it, or it can't be opened.
+    // Finishes what an earlier run was cut off in, and says so on standard error. Throws std::runtime_error
+    // when another run has it, or it can't be opened.
     explicit MachineLock(const std::filesystem::path& file);
     ~MachineLock();
     MachineLock(const MachineLock&) = delete;
     MachineLock& operator=(const MachineLock&) = delete;
 
 private:
+    void take(const std::filesystem::path& file);
+
     int descriptor_ = -1;
 };
+
+// Writes what a run has left of the machine, and locks it; what is to be renamed then.
+Replacement finished_machine(OutputFile& file, const platform::Machine& machine);
 
 // Throws std::runtime_error when two of the named paths are one file: one would take the other's place.
 void refuse_same_file(const std::string& first_name, const std::filesystem::path& first,

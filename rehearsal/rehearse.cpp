@@ -96,19 +96,20 @@ Outcome run(const RehearseOptions& options, platform::Machine& machine, const Su
 }
 
 // All results into their places, or none. A run that was stopped leaves the machine as it was.
-void keep_results(Surroundings& around, const platform::Machine& machine, const std::string& report,
-                  bool stopped) {
-    if (around.report)
-        around.report->write(report);
-    if (around.machine_file && !stopped)
-        around.machine_file->write(platform::machine_text(machine));
-    const std::unique_lock held = hold_signals();
+void keep_results(const RehearseOptions& options, Surroundings& around, const platform::Machine& machine,
+                  const std::string& report, bool stopped) {
+    std::vector<Replacement> all;
     if (around.drive && !stopped)
-        around.drive->commit();
+        all.push_back(around.drive->replacement());
+    if (around.report) {
+        around.report->write(report);
+        if (const auto replacement = around.report->replacement())
+            all.push_back(*replacement);
+    }
     if (around.machine_file && !stopped)
-        around.machine_file->put_in_place();
-    if (around.report)
-        around.report->put_in_place();
+        all.push_back(finished_machine(*around.machine_file, machine));
+    const std::unique_lock held = hold_signals();
+    change_over(options.machine_file, all);
 }
 
 platform::Machine first_machine(const RehearseOptions& options) {
@@ -131,7 +132,7 @@ int rehearse_on(const RehearseOptions& options) {
     const Verdict verdict = judge_install(outcome, options.medium, around.drive_c());
     const std::string report =
         options.report.empty() ? std::string() : report_text(outcome, verdict, around.drive_c());
-    keep_results(around, machine, report, !outcome.refusal.empty());
+    keep_results(options, around, machine, report, !outcome.refusal.empty());
     tell_verdict(verdict, talk);
     if (verdict.status != ended_well)
         check::explain_failed_run(talk, options.medium);

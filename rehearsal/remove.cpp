@@ -54,6 +54,8 @@ std::string choose_model(const RemoveOptions& options, const platform::Machine& 
 
 // The earlier machine and its drive, which is looked at as it is.
 MachineState read_before(const fs::path& file) {
+    if (was_cut_off(file))
+        const MachineLock lock(file);
     MachineState before;
     before.machine = platform::load_machine(file);
     if (const fs::path drive = drive_of(file); fs::is_directory(drive))
@@ -97,10 +99,9 @@ int remove_from(const RemoveOptions& options) {
         tell_difference(*before, drive_of(options.before), outcome, drive.path(), own.stream());
     const Verdict verdict = judge_removal(outcome, removal);
     if (outcome.refusal.empty()) {
-        machine_file.write(platform::machine_text(machine));
+        const std::vector<Replacement> all = {drive.replacement(), finished_machine(machine_file, machine)};
         const std::unique_lock held = hold_signals();
-        drive.commit();
-        machine_file.put_in_place();
+        change_over(options.machine_file, all);
     }
     tell_verdict(verdict, own.stream());
     own.check();

@@ -6,7 +6,6 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -21,10 +20,6 @@ namespace {
 fs::path resolved(const fs::path& drive) {
     const fs::path whole = fs::weakly_canonical(fs::absolute(drive));
     return whole.has_filename() ? whole : whole.parent_path();
-}
-
-fs::path stage_beside(const fs::path& drive) {
-    return drive.string() + ".new-" + std::to_string(getpid());
 }
 
 void copy_times(const fs::path& to, const struct stat& from) {
@@ -76,38 +71,16 @@ void copy_tree(const fs::path& from, const fs::path& to) {
 
 } // namespace
 
-StagedDrive::StagedDrive(const fs::path& drive) : drive_(resolved(drive)), stage_(stage_beside(drive_)) {
+StagedDrive::StagedDrive(const fs::path& drive) : drive_(resolved(drive)), stage_(name_beside(drive_)) {
     std::error_code error;
     fs::create_directories(drive_.parent_path(), error);
+    clear_leftovers(drive_);
     if (fs::is_directory(drive_))
         copy_tree(drive_, stage_.path());
     else if (fs::exists(fs::symlink_status(drive_)))
         throw std::runtime_error(drive_.string() + ": isn't a folder");
     else if (mkdir(stage_.path().c_str(), 0777) != 0)
         fail(drive_, "can't be made");
-}
-
-void StagedDrive::commit() {
-    const fs::path& stage = stage_.path();
-    if (!fs::exists(drive_)) {
-        if (rename(stage.c_str(), drive_.c_str()) != 0)
-            fail(drive_, "can't be written");
-        stage_.keep();
-        return;
-    }
-    if (renameat2(AT_FDCWD, stage.c_str(), AT_FDCWD, drive_.c_str(), RENAME_EXCHANGE) == 0)
-        return; // what is unfinished now is the old drive
-    const fs::path aside = drive_.string() + ".old-" + std::to_string(getpid());
-    if (errno != EINVAL || rename(drive_.c_str(), aside.c_str()) != 0)
-        fail(drive_, "can't be written");
-    if (rename(stage.c_str(), drive_.c_str()) != 0) {
-        const int error = errno;
-        rename(aside.c_str(), drive_.c_str());
-        errno = error;
-        fail(drive_, "can't be written");
-    }
-    delete_tree(aside);
-    stage_.keep();
 }
 
 } // namespace rehearsal

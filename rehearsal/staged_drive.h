@@ -2,6 +2,7 @@
 // takes the drive's place when everything went well.
 #pragma once
 
+#include "rehearsal/changeover.h"
 #include "rehearsal/unfinished.h"
 
 #include <filesystem>
@@ -17,9 +18,8 @@ public:
 
     const std::filesystem::path& path() const { return stage_.path(); } // where the run works
     const std::filesystem::path& original() const { return drive_; }
-    // Puts the copy in the drive's place, in one step where the file system can exchange two folders. Throws
-    // as above; the drive is then as it was. To be called once.
-    void commit();
+    // What is to be renamed for the copy to take the drive's place.
+    Replacement replacement() const { return {stage_.path(), drive_}; }
 
 private:
     const std::filesystem::path drive_;

@@ -17,6 +17,7 @@ namespace {
 std::mutex placing;
 std::mutex listing;
 std::set<fs::path> unfinished;
+bool results_are_placed = false; // under `placing`
 
 sigset_t ending_signals() {
     sigset_t set;
@@ -47,7 +48,8 @@ void wait_for_signal() {
         return;
     const std::lock_guard lock(placing);
     delete_unfinished();
-    std::fprintf(stderr, "\ntrk: ended by %s; machine and drive are as they were\n", strsignal(number));
+    std::fprintf(stderr, "\ntrk: ended by %s; machine and drive are %s\n", strsignal(number),
+                 results_are_placed ? "as the run left them" : "as they were");
     constexpr int signal_status = 128; // as a shell has it
     _exit(signal_status + number);
 }
@@ -60,15 +62,7 @@ Unfinished::Unfinished(fs::path path) : path_(std::move(path)) {
 }
 
 Unfinished::~Unfinished() {
-    if (kept_)
-        return;
     delete_tree(path_);
-    const std::lock_guard lock(listing);
-    unfinished.erase(path_);
-}
-
-void Unfinished::keep() {
-    kept_ = true;
     const std::lock_guard lock(listing);
     unfinished.erase(path_);
 }
@@ -79,12 +73,17 @@ void end_cleanly_on_signals() {
         const sigset_t set = ending_signals();
         pthread_sigmask(SIG_BLOCK, &set, nullptr);
         std::signal(SIGPIPE, SIG_IGN);
+        std::signal(SIGXFSZ, SIG_IGN); // a file that may grow no further, likewise
         std::thread(wait_for_signal).detach();
     });
 }
 
 std::unique_lock<std::mutex> hold_signals() {
     return std::unique_lock(placing);
+}
+
+void results_stand() {
+    results_are_placed = true;
 }
 
 void delete_tree(const fs::path& path) {

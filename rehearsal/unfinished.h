@@ -6,7 +6,7 @@
 
 namespace rehearsal {
 
-// A file or folder that goes when this does, or when a signal ends the program before, unless it was kept.
+// A file or folder that goes when this does, or when a signal ends the program before.
 class Unfinished {
 public:
     explicit Unfinished(std::filesystem::path path);
@@ -15,11 +15,9 @@ public:
     Unfinished& operator=(const Unfinished&) = delete;
 
     const std::filesystem::path& path() const { return path_; }
-    void keep(); // it has got its place, or is gone already
 
 private:
     const std::filesystem::path path_;
-    bool kept_ = false;
 };
 
 // From now on SIGINT, SIGTERM and SIGHUP end the program with what is unfinished taken away, and a closed
@@ -28,6 +26,9 @@ void end_cleanly_on_signals();
 
 // Held while results are put in their places, so that a signal comes before all of them or behind.
 std::unique_lock<std::mutex> hold_signals();
+
+// From now on a signal comes behind the run: its results are in their places.
+void results_stand();
 
 // Deletes a tree, folders included that may not be written to. Nothing is thrown; what can't go stays.
 void delete_tree(const std::filesystem::path& path);

@@ -1,10 +1,13 @@
 // The tool as a program: what it does to the files around it, whatever goes wrong.
-#include "harness/test_session.h"
+#include "machine/json_document.h"
+#include "rehearsal/drive_files.h"
 #include "rehearsal/shown_text.h"
+#include "rehearsal/trk_program.h"
 #include "rehearsal/unknown_words.h"
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <set>
 
@@ -18,51 +21,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr char machine_text[] =
-    R"json({"clock": "2024-07-04T09:05:01", "adapters": [{"addresses": ["10.0.0.2"],
-  "network": "scripted", "searches": [[{"from": "10.0.0.7",
-  "text": "(printer-name=\u001b[31mred),(id=MDL:Label_100_Series;)"}]]}]})json";
-constexpr char install_script[] =
-    "press Network\nselect red\npress \"Install Printer\"\ntick 1011\npress ok\n"
-    "expect box installed\nexpect queue Label 100 Series\n";
-
-class TrkProgram : public testing::Test {
-protected:
-    TrkProgram() {
-        TestSession::write(machine, machine_text);
-        TestSession::write(script, install_script);
-    }
-
-    // The exit status of a rehearsal with these options; what it printed is in `out` and `err`.
-    int rehearse(const std::string& options) {
-        return run(program, "rehearse " + options + " " + TRK_SAMPLE_MEDIUM);
-    }
-    int run(const std::string& trk, const std::string& options) {
-        const std::string command = trk + " " + options + " </dev/null >" + (folder.path / "out").string() +
-                                    " 2>" + (folder.path / "err").string();
-        const int status = std::system(command.c_str());
-        out = fs::exists(folder.path / "out") ? TestSession::read(folder.path / "out") : "";
-        err = TestSession::read(folder.path / "err");
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    // The names beside the machine, without the two files of what was printed.
-    std::set<std::string> names() const {
-        std::set<std::string> all;
-        for (const fs::directory_entry& entry : fs::directory_iterator(folder.path))
-            all.insert(entry.path().filename().string());
-        all.erase("out");
-        all.erase("err");
-        return all;
-    }
-
-    TemporaryFolder folder;
-    const std::string program = TRK_PROGRAM;
-    const fs::path machine = folder.path / "m.json";
-    const fs::path script = folder.path / "s";
-    const std::string usual = "--machine " + machine.string() + " --script " + script.string();
-    std::string out, err;
-};
-
 TEST_F(TrkProgram, DoesTheSameTwiceByteByByte) {
     ASSERT_EQ(rehearse("--quiet --report " + (folder.path / "r1").string() + " " + usual), 0) << err;
     EXPECT_EQ(out, "OK: queue \"Label 100 Series\" on TRK_10.0.0.7, driver 1.2.3.4, 9 label sizes\n");
@@ -72,6 +30,9 @@ TEST_F(TrkProgram, DoesTheSameTwiceByteByByte) {
     ASSERT_EQ(rehearse("--quiet --report " + (folder.path / "r2").string() + " " + usual), 0) << err;
     EXPECT_EQ(TestSession::read(machine), TestSession::read(folder.path / "first.json"));
     EXPECT_EQ(TestSession::read(folder.path / "r1"), TestSession::read(folder.path / "r2"));
+    const auto report = platform::Json::parse(TestSession::read(folder.path / "r1"));
+    EXPECT_EQ(report["verdict"].get<std::string>() + "\n", out);
+    EXPECT_TRUE(report["missing"].empty());
     const std::string compare =
         "diff -r " + (folder.path / "first").string() + " " + machine.string() + ".drive-c";
     EXPECT_EQ(std::system(compare.c_str()), 0);
@@ -127,22 +88,59 @@ TEST_F(TrkProgram, LeavesNothingBehindASignal) {
     ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
     fs::create_directories(machine.string() + ".drive-c/Windows");
     const std::set<std::string> before = names();
-    const pid_t child = fork();
-    if (child == 0) {
-        execl(program.c_str(), "trk", "rehearse", "--quiet", "--machine", machine.c_str(), "--script",
-              fifo.c_str(), TRK_SAMPLE_MEDIUM, nullptr);
-        _exit(99);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        const pid_t child = fork();
+        if (child == 0) {
+            execl(program.c_str(), "trk", "rehearse", "--quiet", "--machine", machine.c_str(), "--script",
+                  fifo.c_str(), TRK_SAMPLE_MEDIUM, nullptr);
+            _exit(99);
+        }
+        const int writer =
+            open(fifo.c_str(), O_WRONLY); // waits until the script is read, when the drive is copied
+        EXPECT_GT(names().size(), before.size());
+        kill(child, signal);
+        int status = 0;
+        waitpid(child, &status, 0);
+        close(writer);
+        EXPECT_EQ(WEXITSTATUS(status), 128 + signal);
+        EXPECT_EQ(names(), before);
+        EXPECT_EQ(TestSession::read(machine), machine_text);
     }
-    const int writer =
-        open(fifo.c_str(), O_WRONLY); // waits until the script is read, when the drive is copied
-    EXPECT_GT(names().size(), before.size());
-    kill(child, SIGTERM);
-    int status = 0;
-    waitpid(child, &status, 0);
-    close(writer);
-    EXPECT_EQ(WEXITSTATUS(status), 128 + SIGTERM);
-    EXPECT_EQ(names(), before);
-    EXPECT_EQ(TestSession::read(machine), machine_text);
+}
+
+// A disk of its own for machine, drive and report, which is full in the midst of the run, or when the results
+// are about to take their places.
+TEST_F(TrkProgram, KeepsAllOrNothingOnAFullDisk) {
+    if (std::system("unshare -rm true 2>/dev/null") != 0)
+        GTEST_SKIP() << "namespaces aren't permitted here";
+    const fs::path disk = folder.path / "disk", kept = folder.path / "kept";
+    fs::create_directory(disk);
+    std::set<int> seen;
+    for (const int kilobytes : {60, 120, 160, 400}) {
+        fs::remove_all(kept);
+        const std::string in_disk = "cd " + disk.string() + " && ";
+        const std::string inside = "mount -t tmpfs -o size=" + std::to_string(kilobytes) + "k none " +
+                                   disk.string() + " && " + in_disk + "cp " + machine.string() +
+                                   " m.json && mkdir -p m.json.drive-c/Windows && " +
+                                   "head -c 20000 /dev/zero >m.json.drive-c/Windows/old && " + program +
+                                   " rehearse --quiet --machine m.json --report r --script " +
+                                   script.string() + " " + TRK_SAMPLE_MEDIUM + "; status=$?; cp -a " +
+                                   disk.string() + " " + kept.string() + "; exit $status";
+        const int status = run("unshare", "-rm sh -c '" + inside + "'");
+        seen.insert(status);
+        std::set<std::string> left;
+        for (const fs::directory_entry& entry : fs::directory_iterator(kept))
+            left.insert(entry.path().filename().string());
+        const bool placed = left.contains("r");
+        left.erase("r");
+        EXPECT_EQ(left, (std::set<std::string>{"m.json", "m.json.drive-c"})) << kilobytes;
+        EXPECT_EQ(TestSession::read(kept / "m.json") != machine_text, placed) << kilobytes;
+        EXPECT_EQ(fs::exists(kept / "m.json.drive-c/Windows/Temp/trk_install.log"), placed) << kilobytes;
+        EXPECT_TRUE(!placed || TestSession::read(kept / "r").ends_with("\n}\n")) << kilobytes;
+        EXPECT_EQ(status == 2, !placed) << kilobytes << ": " << err;
+        EXPECT_TRUE(placed || err.find("No space left on device") != err.npos) << kilobytes << ": " << err;
+    }
+    EXPECT_EQ(seen, (std::set<int>{0, 2}));
 }
 
 TEST_F(TrkProgram, TakesADriveWithLinksAndPipes) {
@@ -202,6 +200,67 @@ TEST_F(TrkProgram, AsksWhatAMistypedWordMeant) {
     EXPECT_EQ(err, "trk: there is no sub-command \"rehears\" (did you mean rehearse?)\n");
     EXPECT_EQ(rehearse("--machin x"), 2);
     EXPECT_EQ(err, "trk: rehearse has no option --machin (did you mean --machine?)\n");
+}
+
+TEST_F(TrkProgram, RemovesFromWhereTheMachineHasItsPrograms) {
+    TestSession::write(machine, "{\"folders\": {\"program_files\": \"C:\\\\Programme\"}," +
+                                    std::string(machine_text).substr(1));
+    ASSERT_EQ(rehearse("--quiet " + usual), 0) << err;
+    const fs::path models = machine.string() + ".drive-c/Programme/Vorlane";
+    const std::string with_model = TestSession::read(machine);
+    const std::string remove = "remove --quiet --machine " + machine.string();
+
+    const fs::path before = folder.path / "before.json";
+    TestSession::write(before, "{\n\"spoler\": {}}");
+    EXPECT_EQ(run(program, remove + " --before " + before.string()), 2);
+    EXPECT_EQ(err, "trk: " + before.string() + ":2:1: spoler: unknown key (did you mean spooler?)\n");
+    EXPECT_EQ(TestSession::read(machine), with_model) << "and nothing was removed before that was read";
+
+    fs::create_directory(models / "Label 200 Series");
+    EXPECT_EQ(run(program, remove), 2);
+    EXPECT_NE(err.find(": 2 models are installed: \"Label 100 Series\", \"Label 200 Series\"; name one with "
+                       "--model"),
+              std::string::npos)
+        << err;
+    EXPECT_EQ(TestSession::read(machine), with_model);
+
+    TestSession::write(before, machine_text);
+    EXPECT_EQ(run(program, remove + " --model \"Label 100 Series\" --before " + before.string()), 0) << err;
+    EXPECT_NE(out.find("OK: \"Label 100 Series\" is removed\n"), std::string::npos) << out;
+    EXPECT_FALSE(fs::exists(models / "Label 100 Series"));
+    EXPECT_TRUE(fs::exists(models / "Label 200 Series"));
+}
+
+TEST_F(TrkProgram, RunsWhereverItIsCopiedTo) {
+    const fs::path copy = folder.path / "copy";
+    fs::copy_file(program, copy);
+    EXPECT_EQ(run("cd / && " + copy.string(), "rehearse --quiet " + usual + " " + TRK_SAMPLE_MEDIUM), 0)
+        << err;
+}
+
+// Another's byte behind the same size and time would have been seen by reading all of a drive's bytes.
+TEST(DriveFiles, AreDigestedWhereSizeOrTimeDiffer) {
+    TemporaryFolder folder;
+    const fs::path before = folder.path / "before", after = folder.path / "after";
+    const struct {
+        const char* name;
+        const char* bytes;
+        int later; // seconds
+        bool digested;
+    } cases[] = {{"same", "2", 0, false}, {"later", "2", 1, true}, {"longer", "22", 0, true}};
+    for (const auto& item : cases) {
+        TestSession::write(before / item.name, "1");
+        TestSession::write(after / item.name, item.bytes);
+        fs::last_write_time(after / item.name,
+                            fs::last_write_time(before / item.name) + std::chrono::seconds(item.later));
+    }
+    TestSession::write(after / "new", "3");
+    rehearsal::DriveFiles old_files = rehearsal::list_drive(before, false);
+    rehearsal::DriveFiles new_files = rehearsal::list_drive(after, false);
+    rehearsal::digest_differing(old_files, before, new_files, after);
+    for (const auto& item : cases)
+        EXPECT_EQ(new_files["C:\\" + std::string(item.name)].sha256.empty(), !item.digested) << item.name;
+    EXPECT_EQ(new_files["C:\\new"].sha256, rehearsal::file_digest(after / "new"));
 }
 
 TEST(ShownText, SpellsOutWhatCannotBePrinted) {
