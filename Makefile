@@ -1,7 +1,7 @@
 # Two commands do everything on a fresh Debian 12: `make run` and `make test`. CMake presets stand behind them.
 JOBS ?= $(shell nproc)
 
-.PHONY: help run test wine wine32 screenshots times lint tsan fuzz windows linux install package try-package sign packages pictures catalogue best_fit format clean
+.PHONY: help run test wine wine32 screenshots pages pages-test times lint tsan fuzz windows linux install package try-package sign packages pictures catalogue best_fit format clean
 .DEFAULT_GOAL := help
 
 help:
@@ -13,6 +13,8 @@ help:
 	@echo "make lint     the layout of the sources, and clang-tidy for some of them"
 	@echo "make tsan     the scenarios under ThreadSanitizer"
 	@echo "make fuzz     feed the readers with made-up bytes: SECONDS each (60), TARGETS (all of fuzz/corpus)"
+	@echo "make pages    the sample's runs, findings and log as pages to look at, in build/pages"
+	@echo "make pages-test  look at them, and at hostile ones, in Chromium"
 	@echo "make times    where the time of the last builds, tests and runs went"
 	@echo "make windows  the two Windows programs and the library, stripped, in dist/"
 	@echo "make linux    the rehearsal tool alone, in build/linux"
@@ -89,6 +91,16 @@ wine32: packages
 	@cmake --build --preset windows-i686 --parallel $(JOBS) --target trk_acceptance $(CONTRACT)
 	@cmake --build --preset windows-x86_64 --parallel $(JOBS) --target trk_acceptance
 	@acceptance/run_wine32.sh $(SCENARIOS)
+
+# The tool is the one of REHEARSAL's build, as above.
+pages: packages
+	@cmake/build.sh $(JOBS) $(REHEARSAL)
+	@rehearsal/pages/sample_pages.sh build/$(REHEARSAL)/rehearsal/trk build/pages
+
+pages-test: pages
+	@cmake/install_packages.sh debian-packages-pages.txt
+	@command -v npm >/dev/null || cmake/install_packages.sh debian-packages-node.txt
+	@cmake/timed.sh pages tests/pages/run.sh build/$(REHEARSAL)/rehearsal/trk
 
 # LANGUAGES names the wanted ones, such as de or en_gb; without it all.
 screenshots: packages

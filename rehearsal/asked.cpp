@@ -62,6 +62,7 @@ Asked what_was_asked(const std::vector<platform::DialogView>& dialogs, std::uint
     const platform::ControlView* const box = find_control(dialogs, IDC_DEFAULT_PRINTER);
     asked.install = app.install_started != 0;
     asked.network = app.usb_chosen == 0;
+    asked.language = app.language;
     asked.make_default = asked.network && box != nullptr && box->checked;
     asked.address = selected_address(dialogs);
     asked.model = ansi_to_utf8(app.model_display_name, code_page);

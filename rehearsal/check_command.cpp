@@ -45,6 +45,8 @@ void add_check(CLI::App& app, int& status) {
         ->type_name("ID,...")
         ->delimiter(',')
         ->allow_extra_args(false);
+    command->add_option("--html", options.html, "The findings beside their lines as a page to look at")
+        ->type_name("FILE");
     command->add_flag("--strict", options.strict, "Warnings are errors");
     command->add_flag("--brief", options.brief, "One line for each finding, without its remedy");
     command->footer(check_footer);

@@ -16,6 +16,7 @@ struct Asked {
     bool install = false; // the terms were accepted, and the install began
     bool network = false; // over the network, not by USB
     bool make_default = false;
+    int language = 0;            // of the program's texts, a row of its language table
     std::string address;         // of the selected printer
     std::string model;           // as the program folder is called
     std::string driver;          // of the medium's INF, as the two below

@@ -90,6 +90,13 @@ Replacement finished_machine(OutputFile& file, const platform::Machine& machine)
     return file.replacement().value(); // what can be read and rewritten is an ordinary file
 }
 
+void write_file(const fs::path& path, const std::string& text) {
+    OutputFile file(path);
+    file.write(text);
+    if (const auto replacement = file.replacement())
+        change_over({}, {*replacement});
+}
+
 MachineLock::MachineLock(const fs::path& file) {
     take(file);
     if (!finish_change_over(file))

@@ -34,6 +34,9 @@ private:
     int descriptor_ = -1;
 };
 
+// The whole file, or none; throws as above.
+void write_file(const std::filesystem::path& path, const std::string& text);
+
 // The machine file, for one run at a time.
 class MachineLock {
 public:

@@ -8,6 +8,7 @@
 #include "rehearsal/machine_view.h"
 #include "rehearsal/output_file.h"
 #include "rehearsal/own_output.h"
+#include "rehearsal/pages/run_page.h"
 #include "rehearsal/profiles.h"
 #include "rehearsal/program_run.h"
 #include "rehearsal/report.h"
@@ -44,6 +45,7 @@ struct Surroundings {
 
     std::optional<MachineLock> lock;
     std::optional<OutputFile> report;
+    std::optional<OutputFile> page;
     std::optional<OutputFile> machine_file;
     std::optional<StagedDrive> drive;    // of a machine that is kept
     std::optional<Unfinished> temporary; // the drive of one that isn't
@@ -54,10 +56,15 @@ Surroundings::Surroundings(const RehearseOptions& options) {
     refuse_same_file("--machine", options.machine_file, "--report", report_file);
     refuse_same_file("--script", options.script, "--report", report_file);
     refuse_same_file("--script", options.script, "--machine", options.machine_file);
+    refuse_same_file("--machine", options.machine_file, "--html", options.html);
+    refuse_same_file("--script", options.script, "--html", options.html);
+    refuse_same_file("--report", report_file, "--html", options.html);
     if (!options.machine_file.empty())
         lock.emplace(options.machine_file);
     if (!report_file.empty())
         report.emplace(report_file);
+    if (!options.html.empty())
+        page.emplace(options.html);
     if (!options.machine_file.empty())
         machine_file.emplace(options.machine_file);
     if (!options.drive_c.empty())
@@ -78,7 +85,7 @@ std::unique_ptr<ViewedUser> choose_user(const RehearseOptions& options, Terminal
 }
 
 Outcome run(const RehearseOptions& options, platform::Machine& machine, const Surroundings& around,
-            std::ostream& talk) {
+            std::ostream& talk, Timeline& timeline) {
     TerminalView view(talk, options.quiet);
     const std::unique_ptr<ViewedUser> user = choose_user(options, view, talk);
     ProgramRun program;
@@ -92,20 +99,52 @@ Outcome run(const RehearseOptions& options, platform::Machine& machine, const Su
     outcome.boxes = user->boxes;
     user->finish(outcome);
     outcome.problem = user->problem;
+    view.end();
+    timeline = view.timeline();
     return outcome;
+}
+
+// The run as a page, with what a check of the medium finds.
+std::string page_of(const RehearseOptions& options, const Outcome& outcome, const Verdict& verdict,
+                    const Timeline& timeline) {
+    const std::vector<check::Finding> findings = check::check_medium(options.medium);
+    const check::Medium medium(options.medium);
+    const std::string machine =
+        options.profile.empty() ? options.machine_file.string() : "profile " + options.profile;
+    return pages::run_page(
+        {machine, options.script.string(), timeline, outcome, verdict, medium, findings});
+}
+
+// What a run leaves beside its machine, as text; empty where it isn't wanted.
+struct Results {
+    std::string report, page;
+};
+
+Results make_results(const RehearseOptions& options, const Outcome& outcome, const Verdict& verdict,
+                     const Timeline& timeline, const fs::path& drive_c) {
+    Results results;
+    if (!options.report.empty())
+        results.report = report_text(outcome, verdict, drive_c);
+    if (!options.html.empty())
+        results.page = page_of(options, outcome, verdict, timeline);
+    return results;
 }
 
 // All results into their places, or none. A run that was stopped leaves the machine as it was.
 void keep_results(const RehearseOptions& options, Surroundings& around, const platform::Machine& machine,
-                  const std::string& report, bool stopped) {
+                  const Results& results, bool stopped) {
     std::vector<Replacement> all;
+    const auto write = [&all](std::optional<OutputFile>& file, const std::string& text) {
+        if (!file)
+            return;
+        file->write(text);
+        if (const auto replacement = file->replacement())
+            all.push_back(*replacement);
+    };
     if (around.drive && !stopped)
         all.push_back(around.drive->replacement());
-    if (around.report) {
-        around.report->write(report);
-        if (const auto replacement = around.report->replacement())
-            all.push_back(*replacement);
-    }
+    write(around.report, results.report);
+    write(around.page, results.page);
     if (around.machine_file && !stopped)
         all.push_back(finished_machine(*around.machine_file, machine));
     const std::unique_lock held = hold_signals();
@@ -126,18 +165,18 @@ int rehearse_on(const RehearseOptions& options) {
     OwnOutput own;
     const bool to_output = options.report == "-";
     std::ostream& talk = to_output ? std::cerr : own.stream();
-    const Outcome outcome = run(options, machine, around, talk);
+    Timeline timeline;
+    const Outcome outcome = run(options, machine, around, talk, timeline);
     if (!options.quiet)
         print_machine(talk, outcome, around.drive_c());
     const Verdict verdict = judge_install(outcome, options.medium, around.drive_c());
-    const std::string report =
-        options.report.empty() ? std::string() : report_text(outcome, verdict, around.drive_c());
-    keep_results(options, around, machine, report, !outcome.refusal.empty());
+    const Results results = make_results(options, outcome, verdict, timeline, around.drive_c());
+    keep_results(options, around, machine, results, !outcome.refusal.empty());
     tell_verdict(verdict, talk);
     if (verdict.status != ended_well)
         check::explain_failed_run(talk, options.medium);
     if (to_output)
-        own.stream() << report << std::flush;
+        own.stream() << results.report << std::flush;
     own.check();
     return verdict.status;
 }

@@ -13,7 +13,8 @@ struct RehearseOptions {
     std::filesystem::path drive_c;      // empty: beside the machine file, its name with ".drive-c" behind it
     std::filesystem::path script;       // empty: a person at a terminal, or a user who cancels
     std::string command_line;
-    std::string report; // file, "-" for standard output, empty for none
+    std::string report;         // file, "-" for standard output, empty for none
+    std::filesystem::path html; // file of the run as a page; empty for none
     bool quiet = false;
 };
 

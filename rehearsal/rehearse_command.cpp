@@ -49,6 +49,7 @@ void add_rehearse(CLI::App& app, int& status) {
     command->add_option("--command-line", options.command_line, "What the program gets as arguments");
     command->add_option("--report", options.report,
                         "The outcome as JSON, to a file or to standard output with -");
+    command->add_option("--html", options.html, "The run as a page to look at")->type_name("FILE");
     command->add_flag("--quiet", options.quiet, "No running commentary");
     command->footer(std::string("What a script or a person can do:\n  ") + action_help + rehearse_footer);
     command->callback([kept, &status] { status = rehearse(*kept); });

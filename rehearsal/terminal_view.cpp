@@ -145,12 +145,17 @@ std::string draw_dialog(const platform::DialogView& dialog, const platform::Dial
 }
 
 TerminalView::~TerminalView() {
+    end();
+}
+
+void TerminalView::end() {
     if (!log_line_.empty())
         end_log_line();
 }
 
 void TerminalView::action(const std::string& shown) {
     const std::lock_guard lock(mutex_);
+    timeline_.emplace_back(UserAction{shown});
     if (!quiet_)
         out_ << "\n  user: " << shown_text(shown) << "\n" << std::flush;
 }
@@ -158,6 +163,7 @@ void TerminalView::action(const std::string& shown) {
 void TerminalView::box(const platform::BoxView& box) {
     look();
     const std::lock_guard lock(mutex_);
+    timeline_.emplace_back(box);
     if (quiet_)
         return;
     constexpr std::uint32_t exclamation = 0x30;
@@ -194,6 +200,7 @@ void TerminalView::print_log() {
 }
 
 void TerminalView::end_log_line() {
+    timeline_.emplace_back(LoggedLine{log_line_});
     if (!quiet_)
         out_ << without_blanks_behind("  log | " + shown_text(log_line_)) << "\n";
     log_line_.clear();
@@ -206,6 +213,7 @@ void TerminalView::print_dialogs() {
             continue;
         if (!quiet_)
             out_ << draw_dialog(dialog, known == last_.end() ? nullptr : &known->second);
+        timeline_.emplace_back(dialog);
         last_[dialog.id] = dialog;
     }
 }

@@ -4,6 +4,7 @@
 
 #include "calls/run/user.h"
 #include "rehearsal/log_follower.h"
+#include "rehearsal/timeline.h"
 
 #include <map>
 #include <mutex>
@@ -29,6 +30,10 @@ public:
     // Looks what is new; on the program's main thread, and while it is at rest.
     void look();
     void look_at_log(); // from any thread
+    void end();         // the run is over: a log line that was only begun is shown too
+
+    // All that was shown so far, quiet or not; when nothing of the run goes on any more.
+    const Timeline& timeline() const { return timeline_; }
 
     LogFollower log;
 
@@ -42,6 +47,7 @@ private:
     std::mutex mutex_;
     std::map<int, platform::DialogView> last_;
     std::string log_line_; // begun, and not ended yet
+    Timeline timeline_;
 };
 
 } // namespace rehearsal

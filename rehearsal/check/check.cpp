@@ -4,6 +4,8 @@
 #include "rehearsal/check/print.h"
 #include "rehearsal/check/subjects.h"
 #include "rehearsal/exit_status.h"
+#include "rehearsal/output_file.h"
+#include "rehearsal/pages/check_page.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -50,11 +52,10 @@ const Rule& rule_named(const std::string& id) {
                              (near.empty() ? std::string() : "; the nearest is " + std::string(near)));
 }
 
-Report look_at(const CheckOptions& options) {
+Report look_at(const CheckOptions& options, const Medium& medium) {
     for (const std::vector<std::string>* const ids : {&options.only, &options.ignore})
         for (const std::string& id : *ids)
             rule_named(id);
-    const Medium medium(options.medium);
     Findings findings;
     Report report{options.medium.string(), medium.file_count(), {}, {}};
     for (const Subject& subject : subjects()) {
@@ -141,7 +142,7 @@ void explain_failed_run(std::ostream& out, const std::filesystem::path& medium) 
 std::vector<Finding> check_medium(const std::filesystem::path& medium) {
     CheckOptions options;
     options.medium = medium;
-    return look_at(options).findings;
+    return look_at(options, Medium(medium)).findings;
 }
 
 int run_check(const CheckOptions& options) {
@@ -150,8 +151,11 @@ int run_check(const CheckOptions& options) {
             print_explanations(options.explain);
             return ended_well;
         }
-        const Report report = look_at(options);
+        const Medium medium(options.medium);
+        const Report report = look_at(options, medium);
         print(options, report);
+        if (!options.html.empty())
+            write_file(options.html, pages::check_page(report, medium));
         if (!std::cout.flush())
             throw std::runtime_error("the findings can't be written");
         return report.count(Severity::error) == 0 ? ended_well : ended_badly;

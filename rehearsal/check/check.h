@@ -16,6 +16,7 @@ struct CheckOptions {
     std::string format = "text";     // a printer's name
     std::vector<std::string> only;   // ids; empty: all
     std::vector<std::string> ignore; // ids
+    std::filesystem::path html;      // file of the findings as a page; empty for none
     bool strict = false;             // warnings are errors
     bool brief = false;              // text without remedies
 };

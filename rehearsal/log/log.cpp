@@ -4,6 +4,8 @@
 #include "rehearsal/exit_status.h"
 #include "rehearsal/log/log_text.h"
 #include "rehearsal/log/log_views.h"
+#include "rehearsal/output_file.h"
+#include "rehearsal/pages/log_page.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -41,6 +43,16 @@ void print_runs(const logs::Reading& reading, std::size_t first, const LogOption
         std::cout << "\nThe file ends in the middle of a line.\n";
 }
 
+bool write_page(const logs::Reading& reading, std::size_t first, const LogOptions& options) {
+    try {
+        write_file(options.html, pages::log_page(reading, first, options.file));
+        return true;
+    } catch (const std::exception& error) { // with its name and reason
+        std::cerr << "trk: " << error.what() << "\n";
+        return false;
+    }
+}
+
 } // namespace
 
 int read_install_log(const LogOptions& options) {
@@ -61,6 +73,8 @@ int read_install_log(const LogOptions& options) {
     const bool good =
         std::all_of(reading.runs.begin() + static_cast<std::ptrdiff_t>(first), reading.runs.end(),
                     [](const logs::Run& run) { return logs::is_good(run.verdict); });
+    if (!options.html.empty() && !write_page(reading, first, options))
+        return wrong_usage;
     if (options.json) {
         reading.runs.erase(reading.runs.begin(), reading.runs.begin() + static_cast<std::ptrdiff_t>(first));
         std::cout << logs::reading_as_json(reading, options.file, options.explain);

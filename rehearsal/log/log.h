@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 
 namespace rehearsal {
@@ -12,6 +13,7 @@ struct LogOptions {
     bool last = false; // the last run alone
     bool explain = false;
     bool json = false;
+    std::filesystem::path html; // file of the reading as a page; empty for none
     bool lines = false; // no file: the table of all lines
 };
 

@@ -32,6 +32,7 @@ void add_log(CLI::App& app, int& status) {
     command->add_flag("--last", options.last, "The last run alone");
     command->add_flag("--explain", options.explain, "Each line with its meaning beside it");
     command->add_flag("--json", options.json, "For other programs");
+    command->add_option("--html", options.html, "The reading as a page to look at")->type_name("FILE");
     command->add_flag("--lines", options.lines, "All lines that the program can write, as Markdown")
         ->excludes(file);
     command->footer(log_footer);
