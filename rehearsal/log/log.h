@@ -14,7 +14,7 @@ struct LogOptions {
     bool explain = false;
     bool json = false;
     std::filesystem::path html; // file of the reading as a page; empty for none
-    bool lines = false; // no file: the table of all lines
+    bool lines = false;         // no file: the table of all lines
 };
 
 // The exit status: ended_well when all runs shown are good, ended_badly when one isn't, wrong_usage without a
