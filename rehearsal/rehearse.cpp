@@ -111,8 +111,7 @@ std::string page_of(const RehearseOptions& options, const Outcome& outcome, cons
     const check::Medium medium(options.medium);
     const std::string machine =
         options.profile.empty() ? options.machine_file.string() : "profile " + options.profile;
-    return pages::run_page(
-        {machine, options.script.string(), timeline, outcome, verdict, medium, findings});
+    return pages::run_page({machine, options.script.string(), timeline, outcome, verdict, medium, findings});
 }
 
 // What a run leaves beside its machine, as text; empty where it isn't wanted.
