@@ -74,10 +74,12 @@ make_medium() { # MEDIUM
 
 # The machine's file for both sides: the folders and the program that installs are named as Wine has them.
 make_machines() { # SCENARIO RUN-FOLDER
-    local side installer=${sibling:-$program}
+    local side installer=${sibling:-$program} system=x64
+    [ "${TRK_WINE_ARCH-}" != win32 ] || system=x86
     for side in rehearsed wine; do
         mkdir -p "$2/$side"
-        jq -s --arg installer "${installer##*/}" '.[0] * {program_name: $installer} * .[1]' \
+        jq -s --arg installer "${installer##*/}" --arg system "$system" \
+            '.[0] * {program_name: $installer, system: $system} * .[1]' \
             "$root/acceptance/machine.json" "$1/machine.json" >"$2/$side/machine.json"
     done
 }

@@ -31,6 +31,9 @@ struct ProgramRun {
     std::filesystem::path medium;
     std::string command_line; // arguments alone, UTF-8
     bool real_time = false;
+    unsigned program_bits = 0; // of the program, 32 or 64; 0: as many as the system has
+    bool hand_over = false;    // a sibling that it starts is the same program again, with 64 bits
+    bool lend_sibling = false; // the sibling counts as present where the medium has none
     std::function<int(HINSTANCE, char* command_line)> entry;    // empty: the setup program's WinMain
     std::function<void(const platform::JournalEntry&)> on_call; // may be empty
     std::function<void()> finished; // called at the end of the run, still inside the session; may be empty

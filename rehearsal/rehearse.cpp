@@ -1,6 +1,8 @@
 #include "rehearsal/rehearse.h"
 
+#include "calls/run/session.h"
 #include "machine/machine_json.h"
+#include "machine/text.h"
 #include "rehearsal/check/check.h"
 #include "rehearsal/exit_status.h"
 #include "rehearsal/fault_names.h"
@@ -17,6 +19,7 @@
 #include "rehearsal/unfinished.h"
 #include "rehearsal/users.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <iostream>
@@ -84,6 +87,31 @@ std::unique_ptr<ViewedUser> choose_user(const RehearseOptions& options, Terminal
     return std::make_unique<ScriptUser>(view, std::vector<Action>{});
 }
 
+// What a user starts is trk_setup.exe, unless the machine file names its sibling. On a 64-bit system it hands
+// over to the sibling beside it; a medium that has none yet borrows the one of this project, unless the
+// machine is told to have none.
+void choose_program(const RehearseOptions& options, const platform::Machine& machine, ProgramRun& program) {
+    if (machine.system == platform::System::x86 ||
+        platform::same_name(machine.program_name, platform::sibling_name))
+        return;
+    program.program_bits = 32;
+    program.hand_over = true;
+    const std::string name = platform::to_utf8(platform::sibling_name);
+    const bool known =
+        std::any_of(machine.child_programs.begin(), machine.child_programs.end(), [](const auto& child) {
+            return platform::same_name(child.name, platform::sibling_name);
+        });
+    std::error_code ignored;
+    if (!known || fs::exists(options.medium / name, ignored))
+        return;
+    program.lend_sibling = true;
+    const fs::path built = fs::path("dist") / name;
+    std::cerr << "trk: note: the medium has no " << name << ", which a 64-bit system needs; "
+              << (fs::exists(built, ignored) ? "that of dist stands in for it"
+                                             : "the rehearsal stands in for it")
+              << "\n";
+}
+
 Outcome run(const RehearseOptions& options, platform::Machine& machine, const Surroundings& around,
             std::ostream& talk, Timeline& timeline) {
     TerminalView view(talk, options.quiet);
@@ -94,6 +122,7 @@ Outcome run(const RehearseOptions& options, platform::Machine& machine, const Su
     program.medium = options.medium;
     program.command_line = options.command_line;
     program.real_time = true;
+    choose_program(options, machine, program);
     program.finished = [&view] { view.look(); };
     Outcome outcome = run_program(program, machine, *user, view.log);
     outcome.boxes = user->boxes;

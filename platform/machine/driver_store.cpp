@@ -5,6 +5,7 @@
 #include "machine/text.h"
 
 #include <algorithm>
+#include <set>
 #include <vector>
 
 namespace platform {
@@ -56,24 +57,49 @@ struct StoredFile {
     std::string bytes;
 };
 
-// The INF in front, then the files that it names. A path that leaves the package's folder counts as missing.
-std::uint32_t collect(PackageFiles& files, std::u16string_view inf_path, std::u16string_view environment,
+// A path that leaves the package's folder counts as missing.
+bool leaves_folder(std::u16string_view path) {
+    return path.find(u"..") != path.npos || path.find(u':') != path.npos;
+}
+
+// A file of the package, or the compressed one or the cabinet that stands in for it. A cabinet is stored
+// once.
+std::uint32_t collect_file(PackageFiles& files, const std::u16string& folder, const PackageFile& file,
+                           std::vector<StoredFile>& package, std::set<std::u16string>& stored) {
+    std::vector<std::u16string> places = {file.path};
+    places.insert(places.end(), file.stand_ins.begin(), file.stand_ins.end());
+    for (const std::u16string& path : places) {
+        if (leaves_folder(path))
+            return file_not_found;
+        if (stored.contains(upper_case(path)))
+            return 0;
+        if (const auto bytes = files.read(folder + u"\\" + path)) {
+            stored.insert(upper_case(path));
+            package.push_back({path, *bytes});
+            return 0;
+        }
+    }
+    return file.optional ? 0 : file_not_found;
+}
+
+// The INF in front, then the files that it names.
+std::uint32_t collect(const SpoolerState& state, PackageFiles& files, const Upload& upload,
                       std::vector<StoredFile>& package) {
-    const auto inf = files.read(std::u16string(inf_path));
+    const auto inf = files.read(std::u16string(upload.inf_path));
     if (!inf)
         return file_not_found;
     InfPackage facts;
-    if (const std::uint32_t error = read_inf_package(decoded(files, *inf), environment, facts); error != 0)
+    if (const std::uint32_t error =
+            read_inf_package(decoded(files, *inf), upload.environment, facts, state.system);
+        error != 0)
         return error;
-    package.push_back({std::u16string(name_of(inf_path)), *inf});
+    package.push_back({std::u16string(name_of(upload.inf_path)), *inf});
+    std::set<std::u16string> stored;
     for (const PackageFile& file : facts.files) {
-        if (file.path.find(u"..") != file.path.npos || file.path.find(u':') != file.path.npos)
-            return file_not_found;
-        const auto bytes = files.read(std::u16string(folder_of(inf_path)) + u"\\" + file.path);
-        if (bytes)
-            package.push_back({file.path, *bytes});
-        else if (!file.optional)
-            return file_not_found;
+        const std::uint32_t error =
+            collect_file(files, std::u16string(folder_of(upload.inf_path)), file, package, stored);
+        if (error != 0)
+            return error;
     }
     return 0;
 }
@@ -110,7 +136,7 @@ std::uint32_t upload_package(SpoolerState& state, PackageFiles& files, const Upl
     if (!known_environment(upload.environment))
         return result_of(spooler_error::invalid_environment);
     std::vector<StoredFile> package;
-    if (const std::uint32_t error = collect(files, upload.inf_path, upload.environment, package); error != 0)
+    if (const std::uint32_t error = collect(state, files, upload, package); error != 0)
         return error;
     const std::u16string folder = package_folder(upload, package);
     stored_path = folder + u"\\" + package.front().path;
@@ -142,14 +168,15 @@ std::uint32_t install_from_package(SpoolerState& state, PackageFiles& files, std
     if (!inf)
         return file_not_found;
     InfPackage facts;
-    if (const std::uint32_t error = read_inf_package(decoded(files, *inf), environment, facts); error != 0)
+    if (const std::uint32_t error = read_inf_package(decoded(files, *inf), environment, facts, state.system);
+        error != 0)
         return error;
     const auto model = std::find_if(facts.models.begin(), facts.models.end(), [&](const auto& entry) {
         return same_name(entry.driver_name, driver_name);
     });
     if (model == facts.models.end())
         return result_of(spooler_error::unknown_driver);
-    const PrinterDriver driver{model->driver_name, std::u16string(environment), facts.version,
+    const PrinterDriver driver{model->driver_name, std::u16string(environment), model->version,
                                stored->inf_path};
     const auto known = std::find_if(state.drivers.begin(), state.drivers.end(), [&](const auto& entry) {
         return same_driver(entry, driver_name, environment);

@@ -42,8 +42,8 @@ struct Upload {
 std::uint32_t upload_package(SpoolerState& state, PackageFiles& files, const Upload& upload,
                              std::u16string& stored_path);
 
-// Registers the driver, or moves one of that name to this package, with the version of the package's
-// DriverVer.
+// Registers the driver, or moves one of that name to this package, with the DriverVer of its install
+// section, else of the package.
 std::uint32_t install_from_package(SpoolerState& state, PackageFiles& files, std::u16string_view stored_path,
                                    std::u16string_view driver_name, std::u16string_view environment);
 

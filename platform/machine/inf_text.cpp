@@ -116,9 +116,11 @@ bool InfText::parse_lines(std::u16string_view text) {
             continue;
         }
         // A backslash at a line's end joins the next line to it.
-        const std::u16string_view part = line.substr(range.begin, range.end - range.begin);
+        std::u16string_view part = line.substr(range.begin, range.end - range.begin);
         const bool joins = !open && part.ends_with(u'\\');
-        pending.add(part.substr(0, part.size() - (joins ? 1 : 0)), place);
+        while (joins && part.ends_with(u'\\')) // those in front of the last are ignored
+            part.remove_suffix(1);
+        pending.add(part, place);
         if (joins)
             continue;
         if (!parse_entry(pending))
@@ -135,9 +137,7 @@ bool InfText::parse_header(std::u16string_view line, TextPlace place) {
     if (end == line.npos)
         return refuse(inf_error::bad_section_name_line, place,
                       "a section's name without its closing bracket");
-    const Range range = trimmed(line, 0, end);
-    const std::u16string name(line.substr(range.begin, range.end - range.begin));
-    place.column += range.begin;
+    const std::u16string name(line.substr(0, end));
     if (name.size() > longest_section_name)
         return refuse(inf_error::section_name_too_long, place,
                       "a section's name of more than 255 characters");
@@ -164,8 +164,8 @@ bool InfText::parse_entry(const JoinedLine& line) {
     entry.place = line.place(all.begin);
     bool open = false;
     std::size_t begin = 0;
-    const std::size_t equals = find_outside_quotes(text, 0, u"=", open);
-    if (equals < text.size()) {
+    const std::size_t equals = find_outside_quotes(text, 0, u"=,", open);
+    if (equals < text.size() && text[equals] == u'=') {
         entry.key = field(0, equals).text;
         begin = equals + 1;
     }
@@ -173,7 +173,7 @@ bool InfText::parse_entry(const JoinedLine& line) {
         const std::size_t comma = find_outside_quotes(text, begin, u",", open);
         entry.values.push_back(field(begin, comma));
         if (open)
-            return refuse(inf_error::general_syntax, entry.values.back().place, "a quote that isn't closed");
+            open_quotes_.push_back(entry.values.back().place);
         if (entry.values.back().text.size() > longest_field)
             return refuse(inf_error::general_syntax, entry.values.back().place,
                           "a value of more than 4,095 characters");

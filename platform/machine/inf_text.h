@@ -67,6 +67,9 @@ public:
     const std::vector<InfSection>& sections() const { return sections_; } // in the order of the file
     const std::vector<InfUnknownString>& unknown_strings() const { return unknown_strings_; }
 
+    // Values with a quote that isn't closed; it reaches to its line's end.
+    const std::vector<TextPlace>& open_quotes() const { return open_quotes_; }
+
     // Without regard to case; null when there is none.
     const InfSection* section(std::u16string_view name) const;
     // The first entry of that key, or null.
@@ -89,6 +92,7 @@ private:
     InfFault fault_;
     std::vector<InfSection> sections_;
     std::vector<InfUnknownString> unknown_strings_;
+    std::vector<TextPlace> open_quotes_;
     Index section_index_;
     std::vector<Index> line_index_; // for each section
     std::size_t current_ = 0;       // the section that lines go to, from 1; 0: none yet

@@ -220,6 +220,18 @@ Json json_value(const ClockText& form) {
     return json_value(form.text);
 }
 
+void from_json_value(const JsonPlace& place, const SystemWord& form) {
+    std::string text;
+    from_json_value(place, text);
+    if (text != "x64" && text != "x86")
+        place.fail("must be \"x64\" or \"x86\"");
+    form.system = text == "x86" ? System::x86 : System::x64;
+}
+
+Json json_value(const SystemWord& form) {
+    return form.system == System::x86 ? "x86" : "x64";
+}
+
 void from_json_value(const JsonPlace& place, const CodePageNumber& form) {
     constexpr std::uint32_t known[] = {932, 936, 949, 950, 1250, 1251, 1252, 65001};
     form.number = number_from_json(place, UINT32_MAX);

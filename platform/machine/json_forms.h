@@ -27,6 +27,11 @@ struct ClockText {
     std::string& text;
 };
 
+// "x64" or "x86".
+struct SystemWord {
+    System& system;
+};
+
 // A code page that the layer can convert.
 struct CodePageNumber {
     std::uint32_t& number;
@@ -56,6 +61,7 @@ void from_json_value(const JsonPlace& place, const VersionText& form);
 void from_json_value(const JsonPlace& place, const DottedAddress& form);
 void from_json_value(const JsonPlace& place, const DottedAddresses& form);
 void from_json_value(const JsonPlace& place, const ClockText& form);
+void from_json_value(const JsonPlace& place, const SystemWord& form);
 void from_json_value(const JsonPlace& place, const CodePageNumber& form);
 void from_json_value(const JsonPlace& place, const StateName& form);
 void from_json_value(const JsonPlace& place, const NetworkWord& form);
@@ -65,6 +71,7 @@ Json json_value(const VersionText& form);
 Json json_value(const DottedAddress& form);
 Json json_value(const DottedAddresses& form);
 Json json_value(const ClockText& form);
+Json json_value(const SystemWord& form);
 Json json_value(const CodePageNumber& form);
 Json json_value(const StateName& form);
 Json json_value(const NetworkWord& form);

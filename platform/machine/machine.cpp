@@ -40,21 +40,37 @@ PrintPort local_port(std::u16string_view name) {
     return port;
 }
 
-PortMonitor monitor(std::u16string_view name, std::u16string_view dll) {
+PortMonitor monitor(std::u16string_view name, std::u16string_view environment, std::u16string_view dll) {
     PortMonitor result;
     result.name = name;
-    result.environment = u"Windows x64";
+    result.environment = environment;
     result.dll = dll;
     return result;
 }
 
 } // namespace
 
-SpoolerState default_spooler() {
+InfSystem true_version(const SystemVersion& shown) {
+    if (shown.major == 6 && shown.minor == 2 && shown.build == 9200)
+        return {};
+    return {shown.major, shown.minor, shown.build};
+}
+
+std::u16string_view environment_of(System system) {
+    return system == System::x86 ? u"Windows NT x86" : u"Windows x64";
+}
+
+void settle(Machine& machine) {
+    machine.spooler.environment = environment_of(machine.system);
+    machine.spooler.system = true_version(machine.version);
+}
+
+SpoolerState default_spooler(std::u16string_view environment) {
     SpoolerState state;
-    state.monitors = {monitor(u"Local Port", u"localspl.dll"),
-                      monitor(u"Standard TCP/IP Port", u"tcpmon.dll"),
-                      monitor(u"USB Monitor", u"usbmon.dll")};
+    state.environment = environment;
+    state.monitors = {monitor(u"Local Port", environment, u"localspl.dll"),
+                      monitor(u"Standard TCP/IP Port", environment, u"tcpmon.dll"),
+                      monitor(u"USB Monitor", environment, u"usbmon.dll")};
     state.monitors[1].standard_tcpip = true;
     state.processors = {u"winprint"};
     state.ports = {local_port(u"LPT1:"), local_port(u"COM1:"), local_port(u"FILE:"),
@@ -62,6 +78,7 @@ SpoolerState default_spooler() {
 
     PrinterDriver driver;
     driver.name = u"Generic / Text Only";
+    driver.environment = environment;
     driver.version = 0x0006'0002'23F0'4000; // 6.2.9200.16384
     state.drivers = {driver};
 
@@ -75,8 +92,10 @@ SpoolerState default_spooler() {
     return state;
 }
 
-Machine default_machine() {
+Machine default_machine(System system) {
     Machine machine;
+    machine.system = system;
+    machine.spooler = default_spooler(environment_of(system));
     machine.environment = {{u"COMPUTERNAME", u"LABELDESK"},
                            {u"ProgramData", u"C:\\ProgramData"},
                            {u"ProgramFiles", u"C:\\Program Files"},

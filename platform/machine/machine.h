@@ -24,6 +24,8 @@ struct Fault {
     bool may_miss = false; // a run in which it never strikes is no worse for that
 };
 
+enum class System { x64, x86 };
+
 struct SystemVersion {
     std::uint32_t major = 6;
     std::uint32_t minor = 2;
@@ -96,11 +98,11 @@ struct ChildProgram {
 };
 
 struct Machine {
+    System system = System::x64;
     SystemVersion version;
     std::uint32_t code_page = 1252;
     std::u16string locale_abbreviation = u"ENU";
     std::uint16_t ui_language = 1033;
-    bool wow64 = false;
     std::string clock; // local time at start, "2024-07-04T09:05:01"; empty: the real time
     std::map<std::u16string, std::u16string> environment;
     Folders folders;
@@ -118,8 +120,17 @@ struct Machine {
     std::vector<Fault> faults;
 };
 
+// The system behind the version that it shows to programs: each newer one shows 6.2.9200 to a program whose
+// manifest doesn't name it. Driver packages are judged by the system itself.
+InfSystem true_version(const SystemVersion& shown);
+
+std::u16string_view environment_of(System system); // the spooler's name for it
+
+// Tells the spooler's state what the machine is. To be called when `system` or `version` has changed.
+void settle(Machine& machine);
+
 // What a current Windows shows this program: Spooler service running, one wired adapter, TEMP in the
 // registry.
-Machine default_machine();
+Machine default_machine(System system = System::x64);
 
 } // namespace platform

@@ -151,11 +151,11 @@ void fields(Archive& archive, SpoolerState& spooler) {
 
 template<class Archive>
 void fields(Archive& archive, Machine& machine) {
+    archive("system", SystemWord{machine.system});
     archive("version", machine.version);
     archive("code_page", CodePageNumber{machine.code_page});
     archive("locale", machine.locale_abbreviation, check_locale);
     archive("ui_language", machine.ui_language, check_language);
-    archive("wow64", machine.wow64);
     archive("clock", ClockText{machine.clock});
     archive("folders", machine.folders);
     archive("current_folder", machine.current_folder, check_absolute_path);
@@ -173,12 +173,24 @@ void fields(Archive& archive, Machine& machine) {
     archive("faults", machine.faults);
 }
 
+// What a fresh machine has depends on its system, and so does what a driver has that names no environment.
+Machine machine_of(const JsonDocument& document) {
+    const Json& root = document.root;
+    Machine machine = default_machine(
+        root.is_object() && root.value("/system"_json_pointer, Json()) == "x86" ? System::x86 : System::x64);
+    from_json_value(JsonPlace{document, root, ""}, machine);
+    settle(machine);
+    const Json drivers = root.value("/spooler/drivers"_json_pointer, Json::array());
+    for (std::size_t i = 0; i < drivers.size(); ++i) {
+        if (!drivers[i].contains("environment"))
+            machine.spooler.drivers[i].environment = machine.spooler.environment;
+    }
+    return machine;
+}
+
 Machine parse_machine(std::string_view text, const std::string& file) {
     try {
-        const JsonDocument document = parse_json(text);
-        Machine machine = default_machine();
-        from_json_value(JsonPlace{document, document.root, ""}, machine);
-        return machine;
+        return machine_of(parse_json(text));
     } catch (const JsonError& error) {
         throw MachineFileError(file + ":" + std::to_string(error.spot.line) + ":" +
                                std::to_string(error.spot.column) + ": " + error.what());

@@ -130,7 +130,7 @@ std::uint32_t add_monitor(SpoolerState& state, std::u16string_view name, std::u1
                           std::u16string_view dll) {
     if (name.empty() || dll.empty())
         return spooler_error::invalid_parameter;
-    if (!known_environment(environment))
+    if (!same_name(environment, state.environment))
         return spooler_error::invalid_environment;
     if (find_monitor(state, name) != nullptr)
         return spooler_error::monitor_already_installed;

@@ -42,8 +42,7 @@ constexpr std::uint32_t delete_object = 0x10000;
 constexpr std::uint32_t printer_all = 0xF000C;
 } // namespace spooler_access
 
-// The environment that a null name stands for, and the others that a name may have.
-constexpr std::u16string_view own_environment = u"Windows x64";
+// The environments that a name may stand for.
 bool known_environment(std::u16string_view name);
 
 // The queue of this name, without regard to case, or null.
@@ -68,7 +67,7 @@ std::uint32_t delete_queue(SpoolerState& state, std::u16string_view name, std::u
 std::uint32_t set_default_printer(SpoolerState& state, std::u16string_view name);
 
 // A monitor from outside speaks the interface of the custom ones: its configuration block has 4,112 bytes
-// when its file is dryxmon.dll, else 6,168.
+// when its file is dryxmon.dll, else 6,168. The spooler takes monitors of its own environment alone.
 std::uint32_t add_monitor(SpoolerState& state, std::u16string_view name, std::u16string_view environment,
                           std::u16string_view dll);
 

@@ -2,9 +2,12 @@
 // a handle, so that both also serve a spooler for the real program.
 #pragma once
 
+#include "machine/inf_target.h"
+
 #include <cstdint>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace platform {
@@ -83,10 +86,14 @@ struct SpoolerState {
     std::vector<StoredPackage> packages;
     std::u16string default_printer;
     bool drivers_hold_packages = false; // a package is in use already while a driver of it is registered
+    // Of the machine, which sets them: the environment that no name stands for, and the system that packages
+    // are judged for.
+    std::u16string environment = u"Windows x64";
+    InfSystem system;
     bool operator==(const SpoolerState&) const = default;
 };
 
 // A few stock ports, monitors and processors, as a fresh system has them.
-SpoolerState default_spooler();
+SpoolerState default_spooler(std::u16string_view environment = u"Windows x64");
 
 } // namespace platform

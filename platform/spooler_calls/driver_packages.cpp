@@ -38,7 +38,7 @@ HRESULT WINAPI UploadPrinterDriverPackageW(LPCWSTR server, LPCWSTR inf_path, LPC
     if (call.spooler_away())
         return kept_result(call);
     const std::u16string inf = model_text(inf_path);
-    const std::u16string processor = environment_or_own(environment);
+    const std::u16string processor = environment_or_own(call.state(), environment);
     platform::SpoolerState& state = call.state();
     const std::u16string store = call.machine().folders.windows + u"\\System32\\DriverStore\\FileRepository";
     std::u16string stored;
@@ -69,9 +69,9 @@ HRESULT WINAPI InstallPrinterDriverFromPackageW(LPCWSTR server, LPCWSTR inf_path
     }
     if (call.spooler_away())
         return kept_result(call);
-    return end(call,
-               platform::install_from_package(call.state(), *platform::package_files(), model_text(inf_path),
-                                              model_text(driver_name), environment_or_own(environment)));
+    return end(call, platform::install_from_package(call.state(), *platform::package_files(),
+                                                    model_text(inf_path), model_text(driver_name),
+                                                    environment_or_own(call.state(), environment)));
 }
 
 HRESULT WINAPI DeletePrinterDriverPackageW(LPCWSTR server, LPCWSTR inf_path, LPCWSTR environment) {
@@ -83,5 +83,5 @@ HRESULT WINAPI DeletePrinterDriverPackageW(LPCWSTR server, LPCWSTR inf_path, LPC
     if (call.spooler_away())
         return kept_result(call);
     return end(call, platform::delete_package(call.state(), *platform::package_files(), model_text(inf_path),
-                                              environment_or_own(environment)));
+                                              environment_or_own(call.state(), environment)));
 }

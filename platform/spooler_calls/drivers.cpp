@@ -10,7 +10,7 @@ BOOL WINAPI EnumPrinterDriversW(LPWSTR server, LPWSTR environment, DWORD level, 
         return FALSE;
     if (level == 3 || level == 4 || level == 5 || level == 8)
         return call.refuse("drivers at levels other than 1, 2 and 6 aren't modelled");
-    const std::u16string name = platform::environment_or_own(environment);
+    const std::u16string name = platform::environment_or_own(call.state(), environment);
     if (name != u"all" && !platform::known_environment(name))
         return call.fail(ERROR_INVALID_ENVIRONMENT);
     if (!call.good_enumeration(records, size, needed, returned) || call.spooler_away())
@@ -32,14 +32,14 @@ BOOL WINAPI EnumPrintProcessorsW(LPWSTR server, LPWSTR environment, DWORD level,
     SpoolerCall call("EnumPrintProcessorsW", "level " + std::to_string(level));
     if (call.fails(RPC_S_SERVER_UNAVAILABLE) || !call.local(server))
         return FALSE;
-    const std::u16string name = platform::environment_or_own(environment);
+    const std::u16string name = platform::environment_or_own(call.state(), environment);
     if (!platform::known_environment(name))
         return call.fail(ERROR_INVALID_ENVIRONMENT);
     if (level != 1)
         return call.fail(ERROR_INVALID_LEVEL);
     if (!call.good_enumeration(records, size, needed, returned) || call.spooler_away())
         return FALSE;
-    const bool own = platform::same_name(name, platform::own_environment);
+    const bool own = platform::same_name(name, call.state().environment);
     const auto found = platform::processor_records<PRINTPROCESSOR_INFO_1W>(
         own ? call.state().processors : std::vector<std::u16string>());
     return call.deliver(found, records, size, needed, returned);

@@ -49,7 +49,7 @@ BOOL WINAPI AddMonitorW(LPWSTR server, DWORD level, LPBYTE monitor) {
     if (call.spooler_away())
         return FALSE;
     return call.end(platform::add_monitor(call.state(), platform::model_text(info->pName),
-                                          platform::environment_or_own(info->pEnvironment),
+                                          platform::environment_or_own(call.state(), info->pEnvironment),
                                           platform::model_text(info->pDLLName)));
 }
 

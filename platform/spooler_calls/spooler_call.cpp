@@ -43,8 +43,8 @@ std::u16string model_text(const WCHAR* text) {
     return {whole.begin(), whole.end()};
 }
 
-std::u16string environment_or_own(const WCHAR* environment) {
-    return environment == nullptr ? std::u16string(own_environment) : model_text(environment);
+std::u16string environment_or_own(const SpoolerState& state, const WCHAR* environment) {
+    return environment == nullptr ? state.environment : model_text(environment);
 }
 
 std::string shown_text(const WCHAR* text) {

@@ -85,7 +85,8 @@ std::unique_ptr<PackageFiles> package_files(); // the machine's files
 
 // Text across the border, whose characters have 16 bits on both hosts. Null is empty, or "(null)" when shown.
 std::u16string model_text(const WCHAR* text);
-std::u16string environment_or_own(const WCHAR* environment); // null is the spooler's own
+std::u16string environment_or_own(const SpoolerState& state,
+                                  const WCHAR* environment); // null is the spooler's own
 std::string shown_text(const WCHAR* text);
 bool given(const WCHAR* text); // neither null nor empty
 

@@ -66,6 +66,8 @@ private:
     bool is_usable(const MediumEntry& entry);
     void check_program(const MediumEntry& entry, PeMachine machine, const std::string& why);
     void check_package(const DriverInf& inf, Environment environment);
+    const MediumEntry* find_packed(const platform::PackageFile& file) const;
+    void check_packed(const DriverInf& inf, const platform::PackageFile& file, const std::string& needs);
     void check_spelling(const DriverInf& inf, const platform::PackageFile& file, const MediumEntry& entry);
     void check_setup_programs();
     void check_profiles();
@@ -138,21 +140,40 @@ void FilesCheck::check_spelling(const DriverInf& inf, const platform::PackageFil
                       "the file is called " + entry.path + " on the medium, in another case");
 }
 
+const MediumEntry* find_in_package(const Medium& medium, const std::u16string& path) {
+    const bool leaves = path.find(u"..") != path.npos || path.find(u':') != path.npos;
+    return leaves ? nullptr : medium.find("Drivers/" + platform::to_utf8(path));
+}
+
+// The compressed file or the cabinet that the system takes for a file that isn't there, or null.
+const MediumEntry* FilesCheck::find_packed(const platform::PackageFile& file) const {
+    for (const std::u16string& path : file.stand_ins)
+        if (const MediumEntry* const entry = find_in_package(medium_, path);
+            entry != nullptr && entry->is_file())
+            return entry;
+    return nullptr;
+}
+
+void FilesCheck::check_packed(const DriverInf& inf, const platform::PackageFile& file,
+                              const std::string& needs) {
+    std::string path = "Drivers/" + platform::to_utf8(file.path);
+    std::replace(path.begin(), path.end(), '\\', '/');
+    if (const MediumEntry* const packed = find_packed(file))
+        findings_.add("files-packed", place_in(inf, file.place),
+                      packed->path + " stands for " + path + ", and what is in it isn't looked at");
+    else if (!file.optional)
+        report_missing(path, place_in(inf, file.place), needs);
+}
+
 void FilesCheck::check_package(const DriverInf& inf, Environment environment) {
     constexpr PeMachine machines[] = {pe_x86, pe_amd64, pe_arm64};
     const platform::InfPackage& package = inf.packages[environment];
     if (!package.fault.reason.empty() || package.models.empty())
         return;
     for (const platform::PackageFile& file : package.files) {
-        const std::string path = platform::to_utf8(file.path);
-        const bool leaves = path.find("..") != path.npos || path.find(':') != path.npos;
-        const MediumEntry* const entry = leaves ? nullptr : medium_.find("Drivers/" + path);
+        const MediumEntry* const entry = find_in_package(medium_, file.path);
         if (entry == nullptr) {
-            std::string slashes = "Drivers/" + path;
-            std::replace(slashes.begin(), slashes.end(), '\\', '/');
-            if (!file.optional)
-                report_missing(slashes, place_in(inf, file.place),
-                               std::string("the package for ") + name_of(environment) + " needs");
+            check_packed(inf, file, std::string("the package for ") + name_of(environment) + " needs");
             continue;
         }
         check_spelling(inf, file, *entry);

@@ -9,6 +9,11 @@ constexpr Rule files_rules[] = {
      "[SourceDisksNames] and [SourceDisksFiles] put them. When one is missing the installation fails.",
      "Put the file where the finding says, or correct the name that asks for it.",
      "zelcore.dll=1 without Drivers/32-bit/zelcore.dll"},
+    {"files-packed", Severity::note, "A file lies packed on the medium",
+     "The system takes a compressed file or the disk's cabinet in a file's place. What they hold can't be "
+     "judged "
+     "here.",
+     "Look into it by the tool that packed it, or put the file itself there.", "zelcore.dl_ for zelcore.dll"},
     {"files-folder", Severity::error, "A file's name is a folder's",
      "What has to be copied as a file is a folder, so that the copy fails and the installation with it.",
      "Put the file in its place.", "a folder wrenchbay/media.inf"},

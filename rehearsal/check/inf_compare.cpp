@@ -62,6 +62,7 @@ private:
         findings_.add(id, place_in(inf_, place), std::move(reason));
     }
     void compare_version();
+    platform::TextPlace place_of_version(const PackageModel* model) const;
     void compare_models(Environment environment);
     std::string token_remark(const PackageModel& model) const;
     void name_missing(const PackageModel& first, Environment environment);
@@ -76,15 +77,25 @@ private:
 };
 
 void Comparison::compare_version() {
-    const platform::InfLine* const line = inf_.inf.line(u"Version", u"DriverVer");
     for (const Environment environment : {x86, amd64}) {
         const InfPackage& package = inf_.packages[environment];
-        if (line == nullptr || !package.fault.reason.empty() || package.version == inf_.setup.version)
+        const PackageModel* const model = model_of_driver(package, names_.driver);
+        const std::uint64_t version = model == nullptr ? package.version : model->version;
+        if (!package.fault.reason.empty() || version == inf_.setup.version)
             continue;
-        add("inf-version", line->place,
-            "the system's version is " + shown_version(package.version) + ", and the setup reads " +
+        add("inf-version", place_of_version(model),
+            "the system's version is " + shown_version(version) + ", and the setup reads " +
                 shown_version(inf_.setup.version) + " elsewhere");
     }
+}
+
+// DriverVer of the model's install section where that has one, else of [Version].
+platform::TextPlace Comparison::place_of_version(const PackageModel* model) const {
+    const platform::InfLine* line =
+        model == nullptr ? nullptr : inf_.inf.line(model->actual_section, u"DriverVer");
+    if (line == nullptr)
+        line = inf_.inf.line(u"Version", u"DriverVer");
+    return line == nullptr ? platform::TextPlace{} : line->place;
 }
 
 // Why the name in the model's entry isn't one for the setup.
@@ -113,7 +124,8 @@ void Comparison::compare_models(Environment environment) {
                                                                   : makers->lines.front().place;
         return add("inf-architecture", place,
                    std::string("no models for ") + name_of(environment) +
-                       ": the manufacturer's entry leads to none");
+                       ": the manufacturer's entry leads to none" +
+                       (environment == x86 ? "" : "; a models section without a platform stands for x86"));
     }
     const PackageModel* const model = model_of_driver(package, names_.driver);
     if (model == nullptr)

@@ -80,6 +80,8 @@ public:
         if (!inf_.parsed)
             return;
         add_unknown_strings();
+        for (const platform::TextPlace& place : inf_.inf.open_quotes())
+            add("inf-quote", place, "a quote that isn't closed in its line");
         gather_names();
         for (const InfSection& section : inf_.inf.sections())
             look_at_section(section);

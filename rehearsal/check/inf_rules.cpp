@@ -148,6 +148,10 @@ constexpr Rule inf_rules[] = {
      "A section or an entry says that the package is for arm64, but no models can be read for it.",
      "Complete the models for NTarm64, or take out what speaks of it.",
      "%Maker%=Label_Models,NTx86,NTamd64,NTarm64"},
+    {"inf-quote", Severity::warning, "A quote isn't closed",
+     "The quote ends with its line, and whatever stands behind it, commas and comments too, belongs to the "
+     "value.",
+     "Close the quote.", "\"Label 100 Driver = Label_100_Series"},
     {"inf-token", Severity::warning, "A token isn't defined",
      "Text between per cent signs stands for an entry of [Strings]. Without one it stays as it is, and is "
      "shown "

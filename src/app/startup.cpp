@@ -56,11 +56,9 @@ void open_setup_log() {
     GetLocalTime(&now);
     WCHAR time[32];
     format_time(time, std::size(time), now);
-#if TRK_PROGRAM_BITS == 64
-    log_line(TEXT("\r\nVorlane Installer 64 --- %s ---\r\n"), time);
-#else
-    log_line(TEXT("\r\nVorlane Installer 32 --- %s ---\r\n"), time);
-#endif
+    log_line(TRK_PROGRAM_BITS == 64 ? TEXT("\r\nVorlane Installer 64 --- %s ---\r\n")
+                                    : TEXT("\r\nVorlane Installer 32 --- %s ---\r\n"),
+             time);
 }
 
 void choose_language() {

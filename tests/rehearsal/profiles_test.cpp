@@ -28,6 +28,7 @@ struct Promise {
 
 const Promise promises[] = {
     {"clean-x64", network_install, 0, installed, "Available Network Printers"},
+    {"clean-x86", network_install, 0, installed, "Available Network Printers"},
     {"english-us", network_install, 0, installed, "I accept the terms"},
     {"english-uk", network_install, 0, installed, "I accept the terms"},
     {"french", network_install, 0, installed, "J'accepte les termes"},

@@ -38,6 +38,32 @@ TEST_F(TrkProgram, DoesTheSameTwiceByteByByte) {
     EXPECT_EQ(std::system(compare.c_str()), 0);
 }
 
+// What a user starts is the 32-bit program; who installs is told by the log's banner.
+TEST_F(TrkProgram, HandsOverToTheSystemsOwnProgram) {
+    const std::string lent = "note: the medium has no trk_setup64.exe";
+    const struct {
+        const char* keys; // in front of the machine's
+        int status;
+        const char* banner;
+        bool lent;
+    } cases[] = {
+        {"", 0, "Vorlane Installer 64", true},
+        {"\"system\": \"x86\", ", 0, "Vorlane Installer 32", false},
+        {"\"program_name\": \"trk_setup64.exe\", ", 0, "Vorlane Installer 64", false},
+        {"\"child_programs\": [], ", 1, "", false},
+    };
+    for (const auto& item : cases) {
+        SCOPED_TRACE(item.keys);
+        fs::remove_all(machine.string() + ".drive-c");
+        TestSession::write(machine, std::string("{") + item.keys + (machine_text + 1));
+        EXPECT_EQ(rehearse("--report - " + usual), item.status) << err;
+        EXPECT_NE(out.find(item.banner), std::string::npos);
+        EXPECT_EQ(out.find("Vorlane Installer 32") != std::string::npos,
+                  std::string(item.banner).ends_with("32"));
+        EXPECT_EQ(err.find(lent) != std::string::npos, item.lent) << err;
+    }
+}
+
 TEST_F(TrkProgram, ShowsNoControlCharacterAndKeepsItsStreamsApart) {
     ASSERT_EQ(rehearse("--report - " + usual), 0) << err;
     EXPECT_TRUE(out.starts_with("{\n") && out.ends_with("\n}\n"));

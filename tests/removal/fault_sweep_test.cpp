@@ -16,9 +16,11 @@
 
 namespace {
 
-// A machine on which each operation has something to do.
+// A machine on which each operation has something to do. The library's monitors are for the 32-bit
+// environment.
 void prepare(TestSession& test) {
     platform::Machine& machine = test.machine;
+    machine = platform::default_machine(platform::System::x86);
     for (const auto& [name, port] :
          {std::pair(u"Net", u"TRK_1"), std::pair(u"Usb", u"USB001"), std::pair(u"Old", u"USB002")}) {
         machine.spooler.ports.push_back({});

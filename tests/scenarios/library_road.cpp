@@ -116,6 +116,8 @@ void read_names_and_texts(HWND dialog) {
 } // namespace
 
 void prepare_library_road(Scenario& scenario) {
+    // The library's monitors are for the 32-bit environment.
+    scenario.use_system(platform::System::x86);
     plug_in_printer(scenario.machine);
     platform::Service dependent = scenario.machine.services.front();
     dependent.name = u"Label Service";

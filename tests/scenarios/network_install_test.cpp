@@ -10,7 +10,7 @@ using rehearsal::Outcome;
 // the install folder, <P> the folder of the Start menu's groups, <store> the package's folder in the driver
 // store.
 constexpr char whole_log[] =
-    "\r\nVorlane Installer 32 --- Thu Jul  4 09:05:01 2024 ---\r\n"
+    "\r\nVorlane Installer 64 --- Thu Jul  4 09:05:01 2024 ---\r\n"
     "VLI_Get_Locale\r\n"
     "_locale 0 (0)\r\n"
     "CreateDialog\r\n"

@@ -10,7 +10,7 @@ using rehearsal::Outcome;
 constexpr char child[] = "\"D:\\medium\\trk_setup64.exe\"";
 
 Scenario& on_64_bits(Scenario& scenario) {
-    scenario.machine.wow64 = true;
+    scenario.program_bits = 32;
     TestSession::write(scenario.own_medium() / "trk_setup64.exe", "MZ");
     return scenario;
 }
@@ -44,6 +44,52 @@ TEST(Relaunch, HandsTheArgumentsOver) {
         EXPECT_EQ(calls_of(outcome, "WaitForSingleObject"), 360u) << "an hour in steps of ten seconds";
         EXPECT_EQ(outcome.files_after, outcome.files_before) << "no log";
         EXPECT_TRUE(outcome.dialogs.empty());
+    }
+}
+
+TEST(Relaunch, TheSystemsOwnProgramInstalls) {
+    const struct {
+        platform::System system;
+        unsigned bits;
+        const char* banner;
+        const char16_t* environment;
+        const char* folder;
+        unsigned started;
+    } table[] = {
+        {platform::System::x64, 32, "Vorlane Installer 64", u"Windows x64", "lbl.inf_amd64_", 1},
+        {platform::System::x64, 64, "Vorlane Installer 64", u"Windows x64", "lbl.inf_amd64_", 0},
+        {platform::System::x86, 32, "Vorlane Installer 32", u"Windows NT x86", "lbl.inf_x86_", 0},
+    };
+    for (const auto& row : table) {
+        SCOPED_TRACE(std::string(row.banner) + " from " + std::to_string(row.bits));
+        Scenario scenario;
+        scenario.use_system(row.system);
+        scenario.program_bits = row.bits;
+        scenario.hand_over = true;
+        TestSession::write(scenario.own_medium() / "trk_setup64.exe", "MZ");
+        scenario.actions = network_install;
+        const Outcome outcome = scenario.run();
+        expect_clean(outcome);
+        EXPECT_EQ(boxes_of(outcome), success);
+        EXPECT_EQ(calls_of(outcome, "CreateProcessW"), row.started);
+        EXPECT_TRUE(has(outcome.log, row.banner)) << outcome.log;
+        EXPECT_TRUE(has(outcome.log, row.folder));
+        EXPECT_EQ(outcome.after.program_name, outcome.before.program_name);
+        ASSERT_EQ(outcome.after.spooler.drivers.size(), 2u);
+        EXPECT_EQ(outcome.after.spooler.drivers[1].environment, row.environment);
+    }
+}
+
+// A package that has models for one of the two systems is taken by that one alone.
+TEST(Relaunch, APackageForTheOtherSystemFails) {
+    for (const platform::System system : {platform::System::x64, platform::System::x86}) {
+        const bool x86 = system == platform::System::x86;
+        Scenario scenario;
+        scenario.use_system(system);
+        scenario.actions = network_install;
+        replace_in_file(scenario.own_medium() / "Drivers" / "lbl.inf", ",NTx86,NTamd64",
+                        x86 ? ",NTamd64" : ",NTx86");
+        EXPECT_NE(boxes_of(scenario.run()), success) << (x86 ? "x86" : "x64");
     }
 }
 

@@ -98,8 +98,9 @@ Scenario::Scenario()
 }
 
 Scenario::Scenario(const Scenario& other)
-    : machine(other.machine), command_line(other.command_line), actions(other.actions),
-      on_call(other.on_call), entry(other.entry), drive_c_(folder_.path / "c"), medium_(other.medium_) {
+    : machine(other.machine), command_line(other.command_line), program_bits(other.program_bits),
+      hand_over(other.hand_over), actions(other.actions), on_call(other.on_call), entry(other.entry),
+      drive_c_(folder_.path / "c"), medium_(other.medium_) {
     fs::copy(other.drive_c_, drive_c_, fs::copy_options::recursive);
 }
 
@@ -109,6 +110,11 @@ fs::path Scenario::own_medium() {
         fs::copy(medium_, copy, fs::copy_options::recursive);
     medium_ = copy;
     return copy;
+}
+
+void Scenario::use_system(platform::System system) {
+    machine.system = system;
+    machine.spooler = platform::default_machine(system).spooler;
 }
 
 void Scenario::add_driver(std::uint64_t version) {
@@ -128,6 +134,8 @@ rehearsal::Outcome Scenario::run() {
     ListedUser user(actions);
     rehearsal::LogFollower log;
     rehearsal::ProgramRun run;
+    run.program_bits = program_bits;
+    run.hand_over = hand_over;
     run.drive_c = drive_c_;
     run.medium = medium_;
     run.command_line = command_line;

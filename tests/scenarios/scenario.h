@@ -20,11 +20,15 @@ public:
 
     platform::Machine machine;
     std::string command_line;
+    unsigned program_bits = 0; // as ProgramRun has it
+    bool hand_over = false;
     std::vector<std::string> actions; // in the form of a script's lines
     // Called before each platform call, on the calling thread.
     std::function<void(const platform::JournalEntry&)> on_call;
     std::function<int(HINSTANCE, char*)> entry; // empty: the setup program
 
+    // A fresh spooler of that system.
+    void use_system(platform::System system);
     // The sample's driver is there already, at the given version.
     void add_driver(std::uint64_t version);
     void add_queue(const std::u16string& name);

@@ -138,6 +138,7 @@ protected:
         std::u16string_view(u"Label Port").copy(info.name, 63);
         std::u16string_view(u"lblmon.dll").copy(info.DLL32, 63);
         std::u16string_view(u"lblmon64.dll").copy(info.DLL64, 63);
+        test.machine = platform::default_machine(platform::System::x86);
         test.start();
         ASSERT_EQ(install_monitor(&info), 1);
         ASSERT_EQ(install_dryx_monitor(), 1);
@@ -226,7 +227,18 @@ TEST_F(CustomPorts, FolderPathIsWholeOrEmpty) {
     EXPECT_EQ(path[0], 0);
 }
 
+TEST_F(Ports, MonitorsOfThe32BitEnvironmentAreRefusedByAnotherSpooler) {
+    test.start();
+    MonitorInfo info = {};
+    std::u16string_view(u"Label Port").copy(info.name, 63);
+    std::u16string_view(u"lblmon.dll").copy(info.DLL32, 63);
+    EXPECT_EQ(install_monitor(&info), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_ENVIRONMENT});
+    EXPECT_EQ(test.machine.spooler.monitors, platform::default_spooler().monitors);
+}
+
 TEST_F(Ports, ConfigurationWithoutFolderKeepsTheMonitorsOwn) {
+    test.machine = platform::default_machine(platform::System::x86);
     test.machine.faults = {{"SHGetKnownFolderPath", 1, true, 0x80004005, ""}};
     test.start();
     ASSERT_EQ(install_dryx_monitor(), 1);

@@ -14,12 +14,13 @@ thread_local unsigned thread_number = 0;
 
 Session::Session(Machine& the_machine, SessionOptions the_options, User& the_user)
     : machine(the_machine), options(std::move(the_options)), user(the_user),
-      clock(the_machine.clock, options.real_time), gate(the_machine.faults) {
-    if (current != nullptr) {
+      clock(the_machine.clock, options.real_time), gate(the_machine.faults), outer_(current) {
+    if (current != nullptr && !options.child) {
         std::fputs("a session is open already\n", stderr);
         std::abort();
     }
     current = this;
+    settle(machine);
     thread_last_error = 0;
     thread_number = 0;
 }
@@ -27,7 +28,7 @@ Session::Session(Machine& the_machine, SessionOptions the_options, User& the_use
 Session::~Session() {
     join_threads();
     areas_.clear();
-    current = nullptr;
+    current = outer_;
 }
 
 std::size_t Session::next_area_slot() {
@@ -41,6 +42,13 @@ Session& session() {
         std::abort();
     }
     return *current;
+}
+
+unsigned program_bits() {
+    const Session& now = session();
+    if (now.options.program_bits != 0)
+        return now.options.program_bits;
+    return now.machine.system == System::x64 ? 64 : 32;
 }
 
 void set_last_error(std::uint32_t code) {

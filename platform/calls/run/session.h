@@ -9,6 +9,7 @@
 #include "machine/machine.h"
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -16,12 +17,25 @@
 
 namespace platform {
 
+// The 64-bit sibling of the program, which it hands over to on a 64-bit system.
+constexpr std::u16string_view sibling_name = u"trk_setup64.exe";
+
+struct ChildEnd {
+    std::uint32_t exit_code = 0;
+    std::uint32_t milliseconds = 0; // that it ran
+};
+
 struct SessionOptions {
     std::filesystem::path drive_c;   // what C:\ is; must exist
     std::filesystem::path medium;    // what the current folder is, read-only; may be empty
     std::filesystem::path resources; // the .res file
     std::u16string command_line;     // arguments only; GetCommandLineW puts the quoted program path in front
     bool real_time = false;          // Sleep and waits really wait; otherwise the clock jumps
+    unsigned program_bits = 0;       // of the program that runs, 32 or 64; 0: as many as the system has
+    bool child = false; // begun inside another session, which is the current one again afterwards
+    // Runs the sibling program of this command line to its end; empty: it behaves as child_programs say.
+    std::function<ChildEnd(const std::u16string& command_line)> run_sibling;
+    bool lend_sibling = false; // trk_setup64.exe counts as present where the medium has none
 };
 
 class Session {
@@ -57,6 +71,8 @@ public:
     void join_threads();
 
 private:
+    Session* const outer_;
+
     // Each type that any source asks for has a number, the same in every session.
     static std::size_t next_area_slot();
     template<class T>
@@ -69,6 +85,8 @@ private:
 // The current session; a call outside any session ends the process with a message.
 Session& session();
 bool in_session();
+
+unsigned program_bits(); // of the program that runs in the current session, 32 or 64
 
 // The calling thread's last error, as GetLastError gives it.
 void set_last_error(std::uint32_t code);

@@ -17,7 +17,7 @@ BOOL is_wow64_process(HANDLE process, PBOOL wow64) {
         call.refuse("only the own process is asked about");
     if (call.fails(ERROR_ACCESS_DENIED))
         return FALSE;
-    *wow64 = session().machine.wow64 ? TRUE : FALSE;
+    *wow64 = program_bits() == 32 && session().machine.system == System::x64 ? TRUE : FALSE;
     return TRUE;
 }
 

@@ -4,6 +4,7 @@
 #include "calls/run/session.h"
 #include "machine/text.h"
 
+#include <program_bits.h>
 #include <windows.h>
 
 #include <algorithm>
@@ -49,9 +50,10 @@ FoundProgram find_program(std::u16string path) {
     if (path.find(u'.', name_start) == std::u16string::npos)
         path += u".exe";
     const RealPath file = real_path(path.c_str());
-    if (file.error != 0 || !file.exists || file.folder)
-        return {};
     const std::u16string name = path.substr(name_start);
+    const bool lent = session().options.lend_sibling && same_name(name, sibling_name);
+    if (!lent && (file.error != 0 || !file.exists || file.folder))
+        return {};
     for (const ChildProgram& program : session().machine.child_programs) {
         if (same_name(program.name, name))
             return {&program, 0};
@@ -89,6 +91,11 @@ void start_program(const ChildProgram& program, const WCHAR* command_line, PROCE
     process->started = session().clock.ticks();
     process->runs_for = program.runs_for_ms;
     process->exit_code = program.exit_code;
+    if (session().options.run_sibling && same_name(program.name, sibling_name)) {
+        const ChildEnd end = session().options.run_sibling(command_line);
+        process->runs_for = end.milliseconds;
+        process->exit_code = end.exit_code;
+    }
     information = {};
     information.hProcess = session().handles.open(process);
     information.hThread = session().handles.open(std::make_shared<ProcessThreadObject>());
@@ -116,6 +123,10 @@ std::vector<std::u16string> started_commands() {
 } // namespace platform
 
 using namespace platform;
+
+int platform_program_bits() {
+    return static_cast<int>(program_bits());
+}
 
 HANDLE GetCurrentProcess() {
     const Call call("GetCurrentProcess");

@@ -353,12 +353,14 @@ TEST_F(Spooler, TheTcpMonitorReadsItsBlocks) {
 }
 
 TEST_F(Spooler, AddsAMonitorOnce) {
-    Text name = TEXT("Test Port"), environment = TEXT("Windows NT x86"), wrong = TEXT("DOS"),
-         dll = TEXT("testmon.dll");
-    MONITOR_INFO_2W info{name.data(), wrong.data(), dll.data()};
+    Text name = TEXT("Test Port"), environment = TEXT("Windows x64"), dll = TEXT("testmon.dll");
+    MONITOR_INFO_2W info{name.data(), nullptr, dll.data()};
     const auto add_monitor = [&info] { return AddMonitorW(nullptr, 2, reinterpret_cast<BYTE*>(&info)); };
-    EXPECT_FALSE(add_monitor());
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_ENVIRONMENT});
+    for (Text wrong : {TEXT("DOS"), TEXT("Windows NT x86")}) { // nobody's, and another system's
+        info.pEnvironment = wrong.data();
+        EXPECT_FALSE(add_monitor());
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_ENVIRONMENT});
+    }
     info.pEnvironment = environment.data();
     EXPECT_TRUE(add_monitor());
     EXPECT_TRUE(holds(texts(monitors, 1, &MONITOR_INFO_1W::pName), name));

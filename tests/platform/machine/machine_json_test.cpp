@@ -26,7 +26,8 @@ Machine full_machine() {
     machine.code_page = 932;
     machine.locale_abbreviation = u"JPN";
     machine.ui_language = 1041;
-    machine.wow64 = true;
+    machine.system = System::x86;
+    settle(machine);
     machine.clock = "2024-07-04T09:05:01";
     machine.environment = {{u"Größe", u"日本 \U0001F600"}};
     machine.folders = {u"C:\\", u"C:\\P", u"c:\\S"};
@@ -117,17 +118,19 @@ TEST(MachineJson, WritesFormsThatPeopleRead) {
 
 TEST(MachineJson, MissingKeysKeepTheDefaults) {
     const Machine machine = parse_machine(R"({
-        "wow64": true,
+        "system": "x86",
         "folders": {"windows": "C:\\W"},
         "spooler": {"default_printer": "", "queues": [{"name": "Q", "port": "LPT1:", "driver": "D"}]}
     })",
                                           "m.json");
-    EXPECT_TRUE(machine.wow64);
+    EXPECT_EQ(machine.system, System::x86);
+    EXPECT_EQ(machine.spooler.drivers[0].environment, u"Windows NT x86");
+    EXPECT_EQ(machine.spooler.environment, u"Windows NT x86");
     EXPECT_EQ(machine.folders.windows, u"C:\\W");
     EXPECT_EQ(machine.folders.program_files, u"C:\\Program Files");
     EXPECT_EQ(machine.spooler.queues.size(), 1u);
     EXPECT_EQ(machine.spooler.queues[0].processor, u"winprint");
-    EXPECT_EQ(machine.spooler.monitors, default_spooler().monitors);
+    EXPECT_EQ(machine.spooler.monitors, default_spooler(u"Windows NT x86").monitors);
     EXPECT_EQ(machine.adapters.size(), 1u);
 }
 
@@ -190,6 +193,7 @@ TEST(MachineJson, RefusesWhatNoMachineCanHave) {
          "12: locale: \"GER\" is no language's abbreviation; there are ENU, DEU, JPN and"},
         {R"({"locale": "deu"})", "12: locale: \"deu\" is no language's abbreviation (did you mean DEU?)"},
         {R"({"ui_language": 1024})", "17: ui_language: must be a language's identifier like 1033"},
+        {R"({"system": "x64 "})", "12: system: must be \"x64\" or \"x86\""},
         {R"({"clock": "2024-13-04T09:05:01"})", "11: clock: must be a local time like"},
         {R"({"clock": "2024-02-31T09:05:01"})", "11: clock: must be a local time like"},
         {R"({"clock": "2023-02-29T09:05:01"})", "11: clock: must be a local time like"},
@@ -241,15 +245,15 @@ TEST(MachineJson, SavingReplacesTheFileOrLeavesIt) {
     const fs::path folder = name, file = folder / "m.json";
     Machine machine = default_machine();
     save_machine(machine, file);
-    machine.wow64 = true;
+    machine.discovery_port_taken = true;
     save_machine(machine, file);
-    EXPECT_TRUE(load_machine(file).wow64);
+    EXPECT_TRUE(load_machine(file).discovery_port_taken);
 
     Machine unwritable = machine;
-    unwritable.wow64 = false;
+    unwritable.discovery_port_taken = false;
     unwritable.spooler.default_printer = u"\xD800";
     EXPECT_THROW(save_machine(unwritable, file), MachineFileError);
-    EXPECT_TRUE(load_machine(file).wow64);
+    EXPECT_TRUE(load_machine(file).discovery_port_taken);
     EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1);
 
     const auto complaint = [](const auto& step) -> std::string {

@@ -14,7 +14,8 @@ const std::string inf =
     "[Version]\r\nSignature=\"$Windows NT$\"\r\nClass=Printer\r\nDriverVer=07/26/2024,1.2.3.4\r\n"
     "[Manufacturer]\r\n%Maker%=Models,NTamd64\r\n"
     "[Models.NTamd64]\r\n\"Label \xE4 Driver\" = Label\r\n"
-    "[Label]\r\nCopyFiles=@label.gpd\r\n";
+    "[Label]\r\nCopyFiles=@label.gpd\r\n"
+    "[SourceDisksNames]\r\n1=Disk\r\n[SourceDisksFiles]\r\nlabel.gpd=1\r\n";
 
 // The package as the program sees it, and its INF's upper and lower case as nobody wrote it.
 const WCHAR* const medium_inf = TEXT("D:\\medium\\drivers\\LBL.INF");

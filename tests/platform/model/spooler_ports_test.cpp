@@ -40,7 +40,7 @@ TEST_F(SpoolerState, CustomMonitorsKeepTheConfigurationThatTheyWereSent) {
         TestSession one;
         one.start();
         auto& spooler = one.machine.spooler;
-        std::u16string name = u"Own Port", environment = u"Windows NT x86", file = dll;
+        std::u16string name = u"Own Port", environment = u"Windows x64", file = dll;
         MONITOR_INFO_2W info{name.data(), environment.data(), file.data()};
         ASSERT_TRUE(AddMonitorW(nullptr, 2, reinterpret_cast<BYTE*>(&info)));
         HANDLE monitor = open(u",XcvMonitor Own Port", SERVER_ACCESS_ADMINISTER);
