@@ -48,6 +48,7 @@ struct Surroundings {
 
     std::optional<MachineLock> lock;
     std::optional<OutputFile> report;
+    std::optional<OutputFile> record;
     std::optional<OutputFile> page;
     std::optional<OutputFile> machine_file;
     std::optional<StagedDrive> drive;    // of a machine that is kept
@@ -59,6 +60,8 @@ Surroundings::Surroundings(const RehearseOptions& options) {
     refuse_same_file("--machine", options.machine_file, "--report", report_file);
     refuse_same_file("--script", options.script, "--report", report_file);
     refuse_same_file("--script", options.script, "--machine", options.machine_file);
+    refuse_same_file("--machine", options.machine_file, "--record", options.record);
+    refuse_same_file("--report", report_file, "--record", options.record);
     refuse_same_file("--machine", options.machine_file, "--html", options.html);
     refuse_same_file("--script", options.script, "--html", options.html);
     refuse_same_file("--report", report_file, "--html", options.html);
@@ -66,6 +69,8 @@ Surroundings::Surroundings(const RehearseOptions& options) {
         lock.emplace(options.machine_file);
     if (!report_file.empty())
         report.emplace(report_file);
+    if (!options.record.empty())
+        record.emplace(options.record);
     if (!options.html.empty())
         page.emplace(options.html);
     if (!options.machine_file.empty())
@@ -78,11 +83,18 @@ Surroundings::Surroundings(const RehearseOptions& options) {
         temporary.emplace(make_temporary_folder());
 }
 
+std::string script_text(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines)
+        text += line + "\n";
+    return text;
+}
+
 std::unique_ptr<ViewedUser> choose_user(const RehearseOptions& options, TerminalView& view,
                                         std::ostream& talk) {
     if (!options.script.empty())
         return std::make_unique<ScriptUser>(view, read_script(options.script), options.script.string());
-    if (isatty(STDIN_FILENO))
+    if (isatty(STDIN_FILENO) || !options.record.empty())
         return std::make_unique<Person>(view, std::cin, talk);
     return std::make_unique<ScriptUser>(view, std::vector<Action>{});
 }
@@ -112,7 +124,7 @@ void choose_program(const RehearseOptions& options, const platform::Machine& mac
               << "\n";
 }
 
-Outcome run(const RehearseOptions& options, platform::Machine& machine, const Surroundings& around,
+Outcome run(const RehearseOptions& options, platform::Machine& machine, Surroundings& around,
             std::ostream& talk, Timeline& timeline) {
     TerminalView view(talk, options.quiet);
     const std::unique_ptr<ViewedUser> user = choose_user(options, view, talk);
@@ -128,6 +140,8 @@ Outcome run(const RehearseOptions& options, platform::Machine& machine, const Su
     outcome.boxes = user->boxes;
     user->finish(outcome);
     outcome.problem = user->problem;
+    if (around.record)
+        around.record->write(script_text(user->done));
     view.end();
     timeline = view.timeline();
     return outcome;
@@ -173,6 +187,9 @@ void keep_results(const RehearseOptions& options, Surroundings& around, const pl
         all.push_back(around.drive->replacement());
     write(around.report, results.report);
     write(around.page, results.page);
+    if (around.record)
+        if (const auto replacement = around.record->replacement())
+            all.push_back(*replacement);
     if (around.machine_file && !stopped)
         all.push_back(finished_machine(*around.machine_file, machine));
     const std::unique_lock held = hold_signals();

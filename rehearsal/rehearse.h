@@ -12,6 +12,7 @@ struct RehearseOptions {
     std::string profile;                // of a machine in place of the file; empty: none
     std::filesystem::path drive_c;      // empty: beside the machine file, its name with ".drive-c" behind it
     std::filesystem::path script;       // empty: a person at a terminal, or a user who cancels
+    std::filesystem::path record;       // where a person's actions go as a script; empty: nowhere
     std::string command_line;
     std::string report;         // file, "-" for standard output, empty for none
     std::filesystem::path html; // file of the run as a page; empty for none

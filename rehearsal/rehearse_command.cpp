@@ -42,10 +42,17 @@ void add_rehearse(CLI::App& app, int& status) {
         ->type_name("NAME")
         ->excludes(machine);
     command->add_option("--drive-c", options.drive_c, drive_c_help);
+    CLI::Option* const script =
+        command
+            ->add_option(
+                "--script", options.script,
+                "The user's actions, one a line; none: a person at a terminal, else a user who leaves")
+            ->check(CLI::ExistingFile);
     command
-        ->add_option("--script", options.script,
-                     "The user's actions, one a line; none: a person at a terminal, else a user who leaves")
-        ->check(CLI::ExistingFile);
+        ->add_option("--record", options.record,
+                     "What a person does, as a script; without a terminal it is read from standard input")
+        ->type_name("FILE")
+        ->excludes(script);
     command->add_option("--command-line", options.command_line, "What the program gets as arguments");
     command->add_option("--report", options.report,
                         "The outcome as JSON, to a file or to standard output with -");

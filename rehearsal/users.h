@@ -23,7 +23,8 @@ public:
     virtual void finish(const Outcome&) {}
 
     std::vector<platform::BoxView> boxes;
-    std::string problem; // the action that couldn't be done, with its place
+    std::vector<std::string> done; // by a person, as a script's lines
+    std::string problem;           // the action that couldn't be done, with its place
 
 protected:
     TerminalView& view_;
@@ -55,8 +56,6 @@ class Person : public ViewedUser {
 public:
     Person(TerminalView& view, std::istream& in, std::ostream& out) : ViewedUser(view), in_(in), out_(out) {}
     bool act() override;
-
-    std::vector<std::string> done;
 
 private:
     bool try_line(const std::string& line);

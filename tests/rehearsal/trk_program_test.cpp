@@ -14,10 +14,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -80,6 +77,7 @@ TEST_F(TrkProgram, RefusesBeforeTheRunAndLeavesEverything) {
         {usual + " --report " + machine.string(), "--machine and --report are the same file"},
         {usual + " --report " + other, other + ": can't be written: No such file or directory"},
         {usual + " --report " + folder.path.string(), "can't be written: Is a directory"},
+        {"--machine " + machine.string() + " --record " + machine.string(), "are the same file"},
         {"--machine " + script.string() + " --script " + script.string(), "are the same file"},
     };
     const std::set<std::string> before = names();
