@@ -270,7 +270,7 @@ start_workers() {
     trap 'stop_workers 143' TERM
     set -m # process groups of their own, which can be ended
     for ((number = 0; number < at_once && number < $#; number++)); do
-        rehearsal/run_network.sh "$trk" "$root/acceptance/run_wine.sh" --among-printers "$@" </dev/null \
+        "$trk" network --printers samples/printers.json -- "$root/acceptance/run_wine.sh" --among-printers "$@" </dev/null \
             2> >(grep -v '^network: printer ' >&2) &
         workers+=($!)
     done

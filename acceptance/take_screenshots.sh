@@ -204,5 +204,5 @@ make_template
 dress_template
 languages=("$@")
 [ $# -gt 0 ] || languages=("${names[@]}")
-exec rehearsal/run_network.sh "$trk" "$root/acceptance/take_screenshots.sh" --among-printers "${languages[@]}" \
+exec "$trk" network --printers samples/printers.json -- "$root/acceptance/take_screenshots.sh" --among-printers "${languages[@]}" \
     2> >(grep -v '^network: printer ' >&2)

@@ -12,6 +12,7 @@ namespace rehearsal {
 void add_rehearse(CLI::App& app, int& status);
 void add_remove(CLI::App& app, int& status);
 void add_printer(CLI::App& app, int& status);
+void add_network(CLI::App& app, int& status);
 void add_log(CLI::App& app, int& status);
 void add_new(CLI::App& app, int& status);
 void add_facts(CLI::App& app, int& status);

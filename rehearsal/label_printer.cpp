@@ -117,6 +117,8 @@ struct LabelPrinter::State {
     void open_discovery();
     void open_raw();
     void answer(const Descriptor& incoming);
+    void send_reply(const PrinterReply& reply, const platform::AttributeRequest& request,
+                    const sockaddr_in& to);
     void begin_job();
     void continue_job();
     void end_job();
@@ -170,14 +172,26 @@ void LabelPrinter::State::answer(const Descriptor& incoming) {
     }
     if (options.delay != 0)
         poll(nullptr, 0, static_cast<int>(options.delay));
-    const std::vector<std::uint8_t> reply = platform::attribute_reply(*request, printer_attributes(options));
-    const ssize_t sent = sendto(own.get(), reply.data(), reply.size(), MSG_NOSIGNAL, from, length);
+    ++answers;
+    const std::vector<PrinterReply> usual = {{false, printer_attributes(options), {}, 1}};
+    for (const PrinterReply& reply : options.replies.value_or(usual))
+        send_reply(reply, *request, sender);
+}
+
+void LabelPrinter::State::send_reply(const PrinterReply& reply, const platform::AttributeRequest& request,
+                                     const sockaddr_in& to) {
+    const std::vector<std::uint8_t> bytes =
+        reply.as_it_is ? reply.datagram : platform::attribute_reply(request, reply.attributes);
+    ssize_t sent = 0;
+    for (unsigned time = 0; time < reply.times && sent >= 0; ++time)
+        sent = sendto(own.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL,
+                      reinterpret_cast<const sockaddr*>(&to), sizeof to);
     if (sent < 0) {
-        lines << "no answer to " << sender_of(sender) << ": " << std::strerror(errno) << std::endl;
+        lines << "no answer to " << sender_of(to) << ": " << std::strerror(errno) << std::endl;
         return;
     }
-    ++answers;
-    lines << "answered " << sender_of(sender) << " with " << sent << " bytes" << std::endl;
+    lines << "answered " << sender_of(to) << " with " << bytes.size() << " bytes"
+          << (reply.times == 1 ? "" : ", " + std::to_string(reply.times) + " times") << std::endl;
 }
 
 void LabelPrinter::State::begin_job() {

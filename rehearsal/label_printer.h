@@ -6,11 +6,21 @@
 #include <filesystem>
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <poll.h>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace rehearsal {
+
+// What a printer answers in place of its attributes, however malformed.
+struct PrinterReply {
+    bool as_it_is = false;              // `datagram` is sent; else a well-formed reply with `attributes`
+    std::string attributes;             // an attribute list, nothing escaped; up to 65535 bytes
+    std::vector<std::uint8_t> datagram; // up to 65507 bytes
+    unsigned times = 1;                 // it is sent
+};
 
 struct PrinterOptions {
     std::string address = "127.0.0.1"; // dotted; of loopback or of an interface that the rehearsal made
@@ -18,6 +28,8 @@ struct PrinterOptions {
     std::string name = "Label printer";
     std::string location; // empty: not told
     bool empty = false;   // an agent with nothing to offer: it answers with an empty attribute list
+    std::optional<std::vector<PrinterReply>>
+        replies;                        // to each search, in their order; an empty list: silence
     std::uint16_t discovery_port = 427; // 0: any free one, as the ready line tells
     std::uint16_t raw_port = 9100;      // likewise
     std::filesystem::path save;         // folder for the jobs' bytes; empty: they are only counted

@@ -36,6 +36,7 @@ int main(int argc, char** argv) {
     rehearsal::add_profiles(app, status);
     rehearsal::add_remove(app, status);
     rehearsal::add_printer(app, status);
+    rehearsal::add_network(app, status);
     rehearsal::add_log(app, status);
     rehearsal::add_new(app, status);
     rehearsal::add_facts(app, status);

@@ -25,4 +25,4 @@ if [ "${1-}" = --among-printers ]; then
     "$trk" remove --machine "$state/machine.json" --before "$state/before.json"
     exit
 fi
-exec rehearsal/run_network.sh "$trk" rehearsal/run.sh --among-printers
+exec "$trk" network --printers samples/printers.json -- rehearsal/run.sh --among-printers

@@ -134,6 +134,30 @@ TEST(LabelPrinter, KeepsSilentWhenTheRequestIsNoneForIt) {
     EXPECT_EQ(printer.answers(), 1u);
 }
 
+TEST(LabelPrinter, SendsTheRepliesOfItsListAsTheyAre) {
+    std::ostringstream lines;
+    PrinterOptions options = options_for("127.0.0.11", 0);
+    const std::string broken("\x02\x07\xff", 3);
+    options.replies.emplace();
+    options.replies->push_back({true, "", {2, 7, 0xff}, 1});
+    options.replies->push_back({false, "((,\x1b", {}, 2});
+    LabelPrinter hostile(options, lines);
+    options.address = "127.0.0.12";
+    options.replies->clear();
+    LabelPrinter silent(options, lines);
+    Client client(SOCK_DGRAM);
+    client.send(search_request, endpoint("127.0.0.11", hostile.discovery_port()));
+    ASSERT_EQ(hostile.step(patient), LabelPrinter::Step::served);
+    EXPECT_EQ(client.receive().second, broken);
+    for (int time = 0; time < 2; ++time)
+        EXPECT_EQ(client.receive().second, std::string("\x02\x07\0\0\x19\0\0\0\0\0\x20\x10\0\x02"
+                                                       "en\0\0\0\x04((,\x1b\0",
+                                                       25));
+    client.send(search_request, endpoint("127.0.0.12", silent.discovery_port()));
+    ASSERT_EQ(silent.step(patient), LabelPrinter::Step::served);
+    EXPECT_FALSE(client.has_more());
+}
+
 TEST(LabelPrinter, TakesJobsOneAfterTheOther) {
     const TemporaryFolder folder;
     std::ostringstream lines;
