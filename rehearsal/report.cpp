@@ -74,6 +74,7 @@ ordered_json shortcuts_json(const Outcome& outcome, const std::filesystem::path&
 std::string report_text(const Outcome& outcome, const Verdict& verdict,
                         const std::filesystem::path& drive_c) {
     ordered_json out;
+    out["schema"] = "trk-report-1";
     out["exit_code"] = outcome.exit_code;
     out["exit_status"] = verdict.status;
     out["verdict"] = verdict.line;
