@@ -1,5 +1,8 @@
 #include "rehearsal/embedded_resources.h"
 
+#include "rehearsal/unfinished.h"
+
+#include <cstdlib>
 #include <stdexcept>
 #include <string>
 
@@ -22,19 +25,34 @@ extern const char trk_resources_end[];
 namespace rehearsal {
 namespace {
 
-int open_in_memory() {
+void write_resources(int descriptor) {
     const auto size = static_cast<std::size_t>(trk_resources_end - trk_resources);
-    const int descriptor = memfd_create("resources", MFD_CLOEXEC);
     if (descriptor < 0 || write(descriptor, trk_resources, size) != static_cast<ssize_t>(size))
         throw std::runtime_error("no memory for the resources");
-    return descriptor;
+}
+
+// Where /proc isn't mounted, as in a bare root folder, a file in memory has no path.
+const std::filesystem::path& temporary_file() {
+    static std::string name = (std::filesystem::temp_directory_path() / "trk-resources-XXXXXX").string();
+    static const int descriptor = mkstemp(name.data());
+    static const Unfinished file(name); // goes with the process
+    static const bool written = (write_resources(descriptor), close(descriptor) == 0);
+    if (!written)
+        throw std::runtime_error(name + ": can't be written");
+    return file.path();
+}
+
+std::string open_in_memory() {
+    const int descriptor = memfd_create("resources", MFD_CLOEXEC);
+    write_resources(descriptor);
+    return "/proc/self/fd/" + std::to_string(descriptor);
 }
 
 } // namespace
 
 std::filesystem::path embedded_resources() {
-    static const int descriptor = open_in_memory();
-    return "/proc/self/fd/" + std::to_string(descriptor);
+    static const std::string in_memory = open_in_memory();
+    return access(in_memory.c_str(), R_OK) == 0 ? std::filesystem::path(in_memory) : temporary_file();
 }
 
 } // namespace rehearsal
