@@ -250,7 +250,7 @@ const InfSection* InfText::section(std::u16string_view name) const {
 
 const InfLine* InfText::line(std::u16string_view section_name, std::u16string_view key) const {
     const auto found = section_index_.find(upper_case(section_name));
-    if (found == section_index_.end())
+    if (found == section_index_.end() || found->second >= line_index_.size()) // a refused file has no index
         return nullptr;
     const Index& index = line_index_[found->second];
     const auto entry = index.find(upper_case(key));

@@ -69,6 +69,7 @@ void check_encoding(const Medium& medium, const DriverInf& inf, Findings& findin
 
 void check_file(const Medium& medium, const DriverInf& file, Findings& findings) {
     check_encoding(medium, file, findings);
+    check_inf_letters(medium, file, findings);
     if (!file.setup.accepted)
         explain_refusal(medium, file, findings);
     check_inf_language(file, findings);

@@ -32,8 +32,9 @@ constexpr Rule inf_rules[] = {
      "it "
      "finds nothing.",
      "Save the INF as 8-bit text (ANSI).", "a file that an editor saved as \"Unicode\""},
-    {"inf-utf8", Severity::warning, "The INF is marked as UTF-8",
-     "The system reads INF files in its ANSI code page or as UTF-16. Letters beyond ASCII come out as "
+    {"inf-utf8", Severity::warning, "The INF is UTF-8",
+     "The system reads INF files in its ANSI code page or as UTF-16, with the mark of UTF-8 too. Letters "
+     "beyond ASCII come out as "
      "others.",
      "Save the INF as 8-bit text (ANSI), with ASCII alone.", "a file that begins with the bytes EF BB BF"},
     {"inf-piece", Severity::error, "What the setup looks for lies too far down",
@@ -82,7 +83,9 @@ constexpr Rule inf_rules[] = {
      "The shortcuts in the Start menu are called by the driver's name and their purpose. With a character "
      "that "
      "no file name may have they aren't made.",
-     "Leave \\ / : * ? \" < > | and control characters out of the driver's name.",
+     "Leave \\ / : * ? \" < > | and control characters out of the driver's name, and names of devices such "
+     "as "
+     "LPT1 or CON from its front.",
      "\"Label 100/200 Driver\""},
     {"inf-model", Severity::error, "Model and install section differ",
      "What stands behind the driver's name and its equals sign is the model for the setup, blanks left out: "
@@ -94,7 +97,10 @@ constexpr Rule inf_rules[] = {
     {"inf-model-folder", Severity::error, "The model can't be a folder's name",
      "The install folder and the group in the Start menu are called like the model, with a blank for each "
      "underscore. The installation fails when no folder can have that name.",
-     "Leave \\ / : * ? \" < > | out of the model, and blanks and points from its end.", "Label_100/200"},
+     "Leave \\ / : * ? \" < > | out of the model, blanks and points from its end, and names of devices such "
+     "as "
+     "LPT1 or CON from its front.",
+     "Label_100/200"},
     {"inf-further-model", Severity::warning, "A further model is never installed",
      "The setup takes the first model of the first section alone. It searches the network for that one and "
      "installs that one's driver.",
@@ -169,10 +175,12 @@ constexpr Rule inf_rules[] = {
      "that nothing of it is done.",
      "Write the section, or take its name out of the entry.",
      "CopyFiles=Driver_Files without [Driver_Files]"},
-    {"inf-code-page", Severity::warning, "A name depends on the system's code page",
-     "The setup reads 8-bit names in the code page of the system that it runs on. Letters beyond ASCII are "
-     "others on a Chinese or Japanese system, and the driver has another name there.",
-     "Use ASCII alone for the driver's name and the model.", "\"\xC3\x89tiquettes 100\""},
+    {"inf-code-page", Severity::warning, "A text depends on the system's code page",
+     "Setup and system read 8-bit texts in the code page of the system that they run on. Letters beyond "
+     "ASCII "
+     "are others on a Chinese or Japanese one; with such letters in its name the driver has another name "
+     "there.",
+     "Use ASCII alone, above all for the driver's name and the model.", "\"\xC3\x89tiquettes 100\""},
 };
 
 } // namespace

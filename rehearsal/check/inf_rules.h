@@ -18,4 +18,7 @@ void check_driver_version(const DriverInf& inf, Findings& findings);
 // The driver's and the model's names, which the setup makes folders, shortcuts and queues of.
 void check_inf_names(const Medium& medium, const DriverInf& inf, Findings& findings);
 
+// Letters beyond 7 bits anywhere in the file, those of comments and of the two names left out.
+void check_inf_letters(const Medium& medium, const DriverInf& inf, Findings& findings);
+
 } // namespace rehearsal::check

@@ -1,6 +1,8 @@
 // What stands in DriverVer, and the names that the setup makes folders, shortcuts and queues of.
 #include "machine/text.h"
+#include "rehearsal/check/inf_lines.h"
 #include "rehearsal/check/inf_rules.h"
+#include "rehearsal/check/settings_text.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -86,10 +88,20 @@ platform::TextPlace place_of_model(const DriverInf& inf) {
     return {};
 }
 
+// Names that the system keeps for devices, whatever stands behind a point in them.
+bool is_device_name(const std::u16string& name) {
+    std::string base = platform::to_utf8(platform::upper_case(name.substr(0, name.find(u'.'))));
+    base.erase(base.find_last_not_of(' ') + 1);
+    const bool numbered = base.size() == 4 && base[3] >= '1' && base[3] <= '9' &&
+                          (base.starts_with("COM") || base.starts_with("LPT"));
+    return numbered || base == "CON" || base == "PRN" || base == "AUX" || base == "NUL";
+}
+
 void check_driver_name(const DriverInf& inf, const std::u16string& name, Findings& findings) {
     const Place place = place_in(inf, place_of_driver(inf));
     const std::string shown = "\"" + platform::to_utf8(name) + "\"";
-    if (!is_plain_name((name + u" Uninstall").c_str()))
+    const std::u16string shortcut = name + u" Uninstall";
+    if (!is_plain_name(shortcut.c_str()) || is_device_name(shortcut))
         findings.add("inf-driver-file-name", place,
                      "the driver's name " + shown +
                          " can't be part of a file name, and the shortcuts are called by it");
@@ -102,7 +114,7 @@ void check_driver_name(const DriverInf& inf, const std::u16string& name, Finding
 void check_model_name(const DriverInf& inf, std::u16string name, Findings& findings) {
     for (char16_t& character : name)
         character = character == u'_' ? u' ' : character;
-    if (!is_plain_name(name.c_str()))
+    if (!is_plain_name(name.c_str()) || is_device_name(name))
         findings.add("inf-model-folder", place_in(inf, place_of_model(inf)),
                      "the model \"" + platform::to_utf8(name) +
                          "\" can't be a folder's name, and the install folder is called by it");
@@ -110,6 +122,15 @@ void check_model_name(const DriverInf& inf, std::u16string name, Findings& findi
 
 bool is_plain_ascii(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
+}
+
+// The bytes as the systems that the setup has languages for read them.
+std::string in_each_code_page(const Medium& medium, std::string_view bytes) {
+    const auto shown = [&](std::uint32_t page) {
+        return in_quotes(platform::to_utf8(in_code_page(medium, bytes, page)));
+    };
+    return shown(western) + " on a western system, " + shown(chinese_simplified) + " on a Chinese and " +
+           shown(japanese_page) + " on a Japanese one";
 }
 
 // An 8-bit name is read in the code page of the system where the setup runs.
@@ -123,17 +144,34 @@ void check_code_pages(const Medium& medium, const DriverInf& inf, Findings& find
     for (const auto& name : names) {
         if (is_plain_ascii(name.bytes))
             continue;
-        const auto shown = [&](std::uint32_t page) {
-            return "\"" + platform::to_utf8(in_code_page(medium, name.bytes, page)) + "\"";
-        };
         findings.add("inf-code-page", place_in(inf, name.place),
-                     std::string("the ") + name.what + " is " + shown(western) + " on a western system, " +
-                         shown(chinese_simplified) + " on a Chinese and " + shown(japanese_page) +
-                         " on a Japanese one");
+                     std::string("the ") + name.what + " is " + in_each_code_page(medium, name.bytes));
     }
 }
 
 } // namespace
+
+void check_inf_letters(const Medium& medium, const DriverInf& inf, Findings& findings) {
+    const std::string& bytes = medium.bytes(*inf.entry);
+    if (is_wide_text(bytes) || bytes.starts_with("\xEF\xBB\xBF"))
+        return;
+    const bool utf8 = has_utf8_letters(bytes);
+    for (const InfByteLine& line : split_inf(bytes)) {
+        const bool names = inf.setup.accepted && (line.text.find(inf.setup.driver_name) != line.text.npos ||
+                                                  line.text.find(inf.setup.model) != line.text.npos);
+        if (is_plain_ascii(line.text) || (names && !utf8))
+            continue;
+        const auto letter =
+            std::find_if(line.text.begin(), line.text.end(), [](char c) { return (c & 0x80) != 0; });
+        findings.add(
+            utf8 ? "inf-utf8" : "inf-code-page",
+            medium.place(*inf.entry, line.offset + static_cast<std::size_t>(letter - line.text.begin())),
+            (utf8 ? "the letters are UTF-8, and both readers take 8-bit text: this line is "
+                  : "the line is ") +
+                in_each_code_page(medium, line.text));
+        return; // the first stands for all
+    }
+}
 
 void check_driver_version(const DriverInf& inf, Findings& findings) {
     if (const platform::InfLine* const line = inf.inf.line(u"Version", u"DriverVer")) {
