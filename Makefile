@@ -1,7 +1,7 @@
 # Two commands do everything on a fresh Debian 12: `make run` and `make test`. CMake presets stand behind them.
 JOBS ?= $(shell nproc)
 
-.PHONY: help run test wine wine32 screenshots pages pages-test times lint tsan fuzz windows linux install package try-package sign packages pictures catalogue best_fit format clean
+.PHONY: help run test wine wine32 screenshots pages pages-test times bench lint tsan fuzz windows linux install package try-package sign packages pictures catalogue best_fit format clean
 .DEFAULT_GOAL := help
 
 help:
@@ -16,6 +16,7 @@ help:
 	@echo "make pages    the sample's runs, findings and log as pages to look at, in build/pages"
 	@echo "make pages-test  look at them, and at hostile ones, in Chromium"
 	@echo "make times    where the time of the last builds, tests and runs went"
+	@echo "make bench    how the cost of trk grows with its work"
 	@echo "make windows  the two Windows programs and the library, stripped, in dist/"
 	@echo "make linux    the rehearsal tool alone, in build/linux"
 	@echo "make install  trk with manual pages, samples and docs, below PREFIX (/usr/local)"
@@ -40,6 +41,10 @@ run: linux
 
 times:
 	@cmake/times.sh
+
+# Ends in 1 when a figure misses its goal.
+bench: linux
+	@bench/growth.py build/linux/rehearsal/trk
 
 # SECONDS bounds what clang-tidy may take beside the files that were changed.
 lint: SECONDS ?= 60
@@ -102,13 +107,13 @@ pages-test: pages
 	@command -v npm >/dev/null || cmake/install_packages.sh debian-packages-node.txt
 	@cmake/timed.sh pages tests/pages/run.sh build/$(REHEARSAL)/rehearsal/trk
 
-# LANGUAGES names the wanted ones, such as de or en_gb; without it all.
+# LANGUAGES names the wanted ones, such as de or en_gb, VISITS folders of acceptance/pictures/visits; without them all.
 screenshots: packages
 	@cmake/install_packages.sh debian-packages-wine.txt
 	@cmake/install_packages.sh debian-packages-screenshots.txt
 	@cmake/build.sh $(JOBS) linux windows-x86_64
 	@cmake --build --preset windows-x86_64 --parallel $(JOBS) --target trk_winspool --target trk_pictures
-	@acceptance/take_screenshots.sh $(LANGUAGES)
+	@VISITS="$(VISITS)" acceptance/take_screenshots.sh $(LANGUAGES)
 
 # The manual pages come from the help of the program that was just built.
 PREFIX ?= /usr/local

@@ -3,6 +3,7 @@
 #
 #   acceptance/take_screenshots.sh [LANGUAGE]...     none: all of them
 #
+# VISITS in the environment names the wanted visits; without it all are made.
 # A visit is a folder of acceptance/pictures/visits with the steps that the photographer takes (see
 # acceptance/pictures/main.cpp), and where it needs them machine.json and `setting`, which has lines of these words:
 #   without PATH   takes a file off the medium
@@ -159,11 +160,12 @@ visit() { # VISIT LANGUAGE
     return "$status"
 }
 
-# What has texts of its own in the language: the message without a table is taken once, and the remover's texts are
-# missing in one of them.
+# What is wanted and has texts of its own in the language: a list's rows and the message without a table are taken
+# once, and the remover's texts are missing in one of them.
 wanted() { # VISIT LANGUAGE
+    [[ -z "${VISITS-}" || " $VISITS " == *" $1 "* ]] || return 1
     case $1 in
-    no_driver) [ "$2" = en_us ] ;;
+    many_printers | no_driver) [ "$2" = en_us ] ;;
     remover) [ "$2" != en_us ] ;;
     *) true ;;
     esac

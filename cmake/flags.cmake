@@ -43,7 +43,7 @@ if(WIN32)
     _SHELL32_ _SHLWAPI_ _OLE32_ _SETUPAPI_ _CFGMGR32_ WINSOCK_API_LINKAGE=)
 
   # The system libraries that are loaded with the program, in place of the longer list that CMake links by itself.
-  set(CMAKE_CXX_STANDARD_LIBRARIES "-ladvapi32 -luser32 -lkernel32")
+  set(CMAKE_CXX_STANDARD_LIBRARIES "-ladvapi32 -lgdi32 -luser32 -lkernel32")
 
   # The 32-bit program takes from the library only what it calls: the linker compiles the whole anew. On 64 bits that
   # left a slot of the late imports empty. The library's own objects serve other linkers too.

@@ -123,14 +123,18 @@ std::string take_text(Reader& reader) {
 }
 
 int take_key(Reader& reader) {
-    constexpr int enter_key = 13;
-    constexpr int escape_key = 27;
+    constexpr struct {
+        const char* name;
+        int virtual_key;
+    } keys[] = {{"enter", 0x0D}, {"escape", 0x1B}, {"tab", 0x09}, {"home", 0x24}, {"end", 0x23},
+                {"left", 0x25},  {"right", 0x27},  {"up", 0x26},  {"down", 0x28}};
     const Word word = take_word(reader);
-    if (word.text == "enter")
-        return enter_key;
-    if (word.text == "escape")
-        return escape_key;
-    throw ScriptError("key needs enter or escape, not \"" + word.text + "\"", word.column);
+    for (const auto& [name, virtual_key] : keys)
+        if (word.text == name)
+            return virtual_key;
+    throw ScriptError("key needs enter, escape, tab, home, end, left, right, up or down, not \"" + word.text +
+                          "\"",
+                      word.column);
 }
 
 template<std::size_t count>

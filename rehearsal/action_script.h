@@ -18,7 +18,7 @@ namespace rehearsal {
 // What can be written, for whoever asks.
 constexpr char action_help[] =
     "press CONTROL, select ROW, tick CONTROL, untick CONTROL, type CONTROL TEXT, key "
-    "enter, key escape, close,\n  expect box TEXT, expect queue NAME, expect text CONTROL "
+    "NAME, close,\n  expect box TEXT, expect queue NAME, expect text CONTROL "
     "TEXT; a control is its id or its name, a row\n  its number or a part of it; names of "
     "more than one word stand in \"quotes\"";
 

@@ -54,6 +54,31 @@ std::string set_tick(const Target& target, bool ticked) {
     return click(target, "check box");
 }
 
+// Brings the row into sight by the list's scroll bar, if it has one and needs to, and clicks it.
+std::string click_row(HWND list, int row) {
+    RECT inside = {};
+    GetClientRect(list, &inside);
+    RECT place = {};
+    const auto look = [&] {
+        return ask(list, LB_GETITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&place))
+            .has_value();
+    };
+    if (!look())
+        return "the list doesn't answer";
+    const bool scrolls = (GetWindowLongPtrW(list, GWL_STYLE) & WS_HSCROLL) != 0;
+    const auto hidden = [&] { return place.left < 0 || place.right > inside.right; };
+    for (LONG before = place.left + 1; scrolls && hidden() && place.left != before; look()) {
+        before = place.left;
+        ask(list, WM_HSCROLL, place.left < 0 ? SB_LINELEFT : SB_LINERIGHT);
+    }
+    if (place.left < 0 || place.left >= inside.right || place.bottom > inside.bottom)
+        return "row " + std::to_string(row) + " is out of sight";
+    const LPARAM point = MAKELPARAM(place.left + 2, (place.top + place.bottom) / 2);
+    PostMessageW(list, WM_LBUTTONDOWN, MK_LBUTTON, point);
+    PostMessageW(list, WM_LBUTTONUP, 0, point);
+    return {};
+}
+
 std::string select_row(const Scene& scene, int row) {
     const Target target = find_target(scene, "a list", [](const Control& c) { return c.kind == "list"; });
     if (!target.problem.empty())
@@ -62,11 +87,7 @@ std::string select_row(const Scene& scene, int row) {
     if (static_cast<std::size_t>(row) >= list.rows.size())
         return "the list has " + std::to_string(list.rows.size()) + " rows, and no row " +
                std::to_string(row);
-    // The list box tells its dialog of a choice only when a hand makes it.
-    ask(list.window, LB_SETCURSEL, static_cast<WPARAM>(row));
-    PostMessageW(target.dialog->window, WM_COMMAND, MAKEWPARAM(list.id, LBN_SELCHANGE),
-                 reinterpret_cast<LPARAM>(list.window));
-    return {};
+    return click_row(list.window, row);
 }
 
 std::string type_text(const Target& target, const std::string& text) {

@@ -77,11 +77,13 @@ DECLARE_HANDLE(HRGN);
 DECLARE_HANDLE(HKEY);
 DECLARE_HANDLE(HRSRC);
 DECLARE_HANDLE(HDC);
+DECLARE_HANDLE(HFONT);
 DECLARE_HANDLE(HBRUSH);
 DECLARE_HANDLE(SC_HANDLE);
 using HMODULE = HINSTANCE;
 using HCURSOR = HICON;
 using HLOCAL = HANDLE;
+using HGDIOBJ = HANDLE;
 using LPHANDLE = HANDLE*;
 using PHKEY = HKEY*;
 
@@ -97,6 +99,9 @@ using DLGPROC = INT_PTR (*)(HWND, UINT, WPARAM, LPARAM);
 #define MAKEWPARAM(low, high)                                                                                \
     (static_cast<WPARAM>(static_cast<DWORD>(static_cast<WORD>(low)) |                                        \
                          (static_cast<DWORD>(static_cast<WORD>(high)) << 16)))
+#define MAKELONG(low, high)                                                                                  \
+    (static_cast<LONG>(static_cast<DWORD>(static_cast<WORD>(low)) |                                          \
+                       (static_cast<DWORD>(static_cast<WORD>(high)) << 16)))
 #define MAKELPARAM(low, high) (static_cast<LPARAM>(MAKEWPARAM(low, high)))
 #define MAKEINTRESOURCEW(id) (reinterpret_cast<LPWSTR>(static_cast<ULONG_PTR>(static_cast<WORD>(id))))
 
@@ -112,6 +117,7 @@ struct POINT {
     LONG x;
     LONG y;
 };
+using LPPOINT = POINT*;
 
 struct FILETIME {
     DWORD dwLowDateTime;

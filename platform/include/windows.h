@@ -5,6 +5,7 @@
 #include "winerror.h"
 
 #include "winbase.h"
+#include "wingdi.h"
 #include "winnls.h"
 #include "winreg.h"
 #include "winsvc.h"

@@ -6,6 +6,7 @@
 // Window styles.
 #define WS_TABSTOP 0x00010000u
 #define WS_SYSMENU 0x00080000u
+#define WS_HSCROLL 0x00100000u
 #define WS_VSCROLL 0x00200000u
 #define WS_BORDER 0x00800000u
 #define WS_CAPTION 0x00C00000u
@@ -47,12 +48,15 @@
 #define WM_QUIT 0x0012
 #define WM_SHOWWINDOW 0x0018
 #define WM_SETCURSOR 0x0020
+#define WM_SETFONT 0x0030
+#define WM_GETFONT 0x0031
 #define WM_KEYDOWN 0x0100
 #define WM_KEYUP 0x0101
 #define WM_CHAR 0x0102
 #define WM_INITDIALOG 0x0110
 #define WM_COMMAND 0x0111
 #define WM_SYSCOMMAND 0x0112
+#define WM_HSCROLL 0x0114
 #define WM_MOUSEMOVE 0x0200
 #define WM_LBUTTONDOWN 0x0201
 #define WM_LBUTTONUP 0x0202
@@ -86,16 +90,35 @@
 #define LB_GETTEXT 0x0189
 #define LB_GETTEXTLEN 0x018A
 #define LB_GETCOUNT 0x018B
+#define LB_GETTOPINDEX 0x018E
 #define LB_SETTABSTOPS 0x0192
 #define LB_SETCOLUMNWIDTH 0x0195
+#define LB_GETITEMRECT 0x0198
 #define LB_ERR (-1)
 #define LBN_SELCHANGE 1
+
+#define SB_LINELEFT 0
+#define SB_LINERIGHT 1
+#define SB_PAGELEFT 2
+#define SB_PAGERIGHT 3
+#define SB_THUMBPOSITION 4
+#define SB_LEFT 6
+#define SB_RIGHT 7
+#define SB_ENDSCROLL 8
 
 #define VK_BACK 0x08
 #define VK_TAB 0x09
 #define VK_RETURN 0x0D
 #define VK_ESCAPE 0x1B
 #define VK_SPACE 0x20
+#define VK_PRIOR 0x21
+#define VK_NEXT 0x22
+#define VK_END 0x23
+#define VK_HOME 0x24
+#define VK_LEFT 0x25
+#define VK_UP 0x26
+#define VK_RIGHT 0x27
+#define VK_DOWN 0x28
 
 #define IDOK 1
 #define IDCANCEL 2
@@ -110,6 +133,10 @@
 #define SW_SHOW 5
 #define SW_SHOWNA 8
 #define SW_RESTORE 9
+
+#define SWP_NOSIZE 0x0001
+#define SWP_NOMOVE 0x0002
+#define SWP_NOACTIVATE 0x0010
 
 #define SM_CXSCREEN 0
 #define SM_CYSCREEN 1
@@ -153,6 +180,9 @@ UINT WINAPI GetDlgItemTextW(HWND dialog, int id, LPWSTR buffer, int capacity);
 LRESULT WINAPI SendDlgItemMessageW(HWND dialog, int id, UINT message, WPARAM wparam, LPARAM lparam);
 
 // Windows.
+HWND WINAPI CreateWindowExW(DWORD extended_style, LPCWSTR class_name, LPCWSTR text, DWORD style, int x, int y,
+                            int width, int height, HWND parent, HMENU id, HINSTANCE instance,
+                            LPVOID parameter);
 BOOL WINAPI DestroyWindow(HWND window);
 BOOL WINAPI ShowWindow(HWND window, int command);
 BOOL WINAPI EnableWindow(HWND window, BOOL enable);
@@ -163,6 +193,9 @@ HWND WINAPI GetParent(HWND window);
 HWND WINAPI GetDesktopWindow();
 BOOL WINAPI GetWindowRect(HWND window, LPRECT rectangle);
 BOOL WINAPI MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint);
+BOOL WINAPI SetWindowPos(HWND window, HWND behind, int x, int y, int width, int height, UINT flags);
+int WINAPI MapWindowPoints(HWND from, HWND to, LPPOINT points, UINT count);
+BOOL WINAPI MapDialogRect(HWND dialog, LPRECT rectangle);
 #define RDW_ALLCHILDREN 0x0080
 #define RDW_UPDATENOW 0x0100
 BOOL WINAPI RedrawWindow(HWND window, const RECT* part, HRGN region, UINT flags);
@@ -183,6 +216,11 @@ BOOL WINAPI TranslateMessage(const MSG* message);
 LRESULT WINAPI DispatchMessageW(const MSG* message);
 void WINAPI PostQuitMessage(int exit_code);
 int WINAPI MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT flags);
+
+// Measuring text. The calls of a null context fail.
+HDC WINAPI GetDC(HWND window);
+int WINAPI ReleaseDC(HWND window, HDC context);
+DWORD WINAPI GetTabbedTextExtentW(HDC context, LPCWSTR text, int length, int stop_count, const int* stops);
 
 // Resources and cursors.
 int WINAPI LoadStringW(HINSTANCE instance, UINT id, LPWSTR buffer, int capacity);

@@ -3,6 +3,10 @@
 
 #include <windows.h>
 
+// To be called once, when dialog 105 has been made: gives its list a scroll bar that shows while printers are
+// out of sight. Where that fails the list stays as it is.
+void make_list_scroll(HWND dialog);
+
 // Searches the network for printers of the model (8-bit text, as the INF spells it) and adds what is found.
 // Gives find_slp's result.
 int search_printers(const char* model);

@@ -40,6 +40,7 @@ void request_exit(HWND dialog) {
 INT_PTR on_init(HWND dialog) {
     if (app.wait_cursor == nullptr)
         app.wait_cursor = LoadCursorW(nullptr, IDC_WAIT);
+    make_list_scroll(dialog);
     SetForegroundWindow(dialog);
     return 1;
 }

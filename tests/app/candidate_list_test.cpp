@@ -1,10 +1,13 @@
 #include "app/candidate_list.h"
+#include "app/main_dialog.h"
 
 #include "calls/windows/user_input.h"
 #include "harness/test_session.h"
 #include "resources/resource_ids.h"
 
 #include <gtest/gtest.h>
+
+#include <array>
 
 namespace {
 
@@ -25,6 +28,16 @@ protected:
             if (control.id == IDC_PRINTER_LIST)
                 return control.rows;
         return {};
+    }
+
+    static HWND list() { return GetDlgItem(app.main_dialog, IDC_PRINTER_LIST); }
+    static LONG list_width() {
+        RECT place = {};
+        GetWindowRect(list(), &place);
+        return place.right - place.left;
+    }
+    static std::array<int, 5> place_of(const platform::ControlView& control) {
+        return {control.id, control.left, control.top, control.width, control.height};
     }
 
     TestSession test;
@@ -58,14 +71,55 @@ TEST_F(CandidateList, CutsRowsAndNamesButNoAddress) {
     EXPECT_EQ(app.candidate_count, 2);
 }
 
-// A click beyond the row's column would choose a row of the next one.
+// What lies beyond its column isn't painted. The address takes the 96 pixels up to the tab stop.
 TEST_F(CandidateList, GivesRowsTheRoomOfTheLongestName) {
-    const HWND list = GetDlgItem(app.main_dialog, IDC_PRINTER_LIST);
+    const auto room = [] {
+        RECT row = {};
+        SendMessageW(list(), LB_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&row));
+        return row.right - row.left;
+    };
     search_printers("Label_100_Series");
-    add_candidate("255.255.255.255", "mmmmmmmmmmmmmmmmmmm");
-    constexpr int end_of_name = 96 + 19 * 5; // pixels
-    SendMessageW(list, WM_LBUTTONDOWN, 0, MAKELPARAM(end_of_name, 5));
-    EXPECT_EQ(SendMessageW(list, LB_GETCURSEL, 0, 0), 0);
+    std::string name;
+    add_candidate("10.0.0.1", name.c_str());
+    const LONG two_columns = room();
+    EXPECT_LE(2 * two_columns, list_width());
+    EXPECT_GT(3 * two_columns, list_width());
+    for (int length = 1; length < 20; ++length) {
+        name += 'm';
+        add_candidate(("10.0.1." + std::to_string(length)).c_str(), name.c_str());
+        EXPECT_GE(room(), 96 + 6 * length) << name;
+    }
+    EXPECT_LE(room(), list_width());
+    clear_candidates();
+    search_printers("Label_100_Series");
+    add_candidate("10.0.0.1", "Shelf");
+    EXPECT_EQ(room(), two_columns) << "the next search begins anew";
+}
+
+TEST_F(CandidateList, EveryRowCanBeReached) {
+    const std::vector<platform::ControlView> before = platform::dialogs().front().controls;
+    make_list_scroll(app.main_dialog);
+    const std::vector<platform::ControlView> after = platform::dialogs().front().controls;
+    ASSERT_EQ(after.size(), before.size());
+    for (std::size_t i = 0; i < before.size(); ++i) // the Tab key goes by this order
+        EXPECT_EQ(place_of(after[i]), place_of(before[i]));
+    ShowWindow(app.main_dialog, SW_SHOW);
+    show_control(app.main_dialog, IDC_PRINTER_LIST, 1, 1);
+    search_printers("Label_100_Series");
+    for (int i = 0; i < candidate_capacity; ++i)
+        add_candidate(("10.0.0." + std::to_string(i)).c_str(), "Shelf");
+    for (const int row : {0, 8, candidate_capacity - 1, 50, 7}) {
+        EXPECT_EQ(platform::select_row(row), "");
+        MSG message;
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+            DispatchMessageW(&message);
+        EXPECT_EQ(SendMessageW(list(), LB_GETCURSEL, 0, 0), row);
+    }
+    for (int row = 8; row < candidate_capacity; ++row)
+        SendMessageW(list(), WM_KEYDOWN, VK_DOWN, 0);
+    EXPECT_EQ(SendMessageW(list(), LB_GETCURSEL, 0, 0), candidate_capacity - 1);
+    clear_candidates();
+    EXPECT_EQ(GetWindowLongPtrW(list(), GWL_STYLE) & LONG_PTR{WS_HSCROLL}, 0);
 }
 
 TEST_F(CandidateList, EndsAtItsCapacity) {

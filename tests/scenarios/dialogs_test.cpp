@@ -107,6 +107,25 @@ TEST(AddressDialog, ATypedPrinterIsInstalledWithoutANetwork) {
     EXPECT_EQ(outcome.after.spooler.ports.back().host_address, u"10.2.3.4");
 }
 
+TEST(PrinterList, RowsOutOfSightAreScrolledTo) {
+    Scenario scenario;
+    std::vector<platform::ScriptedDatagram>& answers = scenario.machine.adapters[0].searches[0];
+    answers.clear();
+    for (int number = 1; number <= 10; ++number)
+        answers.push_back(slp_reply("10.0.1." + std::to_string(number),
+                                    "(printer-name=Shelf),(ieee1284-id=MDL:Label_100_Series;)"));
+    scenario.actions = {"press 1014", "select 9", "key up", "press 1015", "tick 1011", "press 1"};
+    Scenario template_alone = scenario;
+    const Outcome outcome = scenario.run();
+    expect_clean(outcome);
+    EXPECT_TRUE(has(outcome.log, "run_installer...\r\nNet 10.0.1.9\r\n")) << outcome.log;
+
+    // Without a scroll bar the keys remain.
+    template_alone.machine.faults = {{"CreateWindowExW", 1, false, ERROR_NOT_ENOUGH_MEMORY, ""}};
+    template_alone.actions = {"press 1014", "select 0", "key end", "press 1015", "tick 1011", "press 1"};
+    EXPECT_TRUE(has(template_alone.run().log, "run_installer...\r\nNet 10.0.1.10\r\n"));
+}
+
 TEST(PrinterList, RefreshSearchesAnew) {
     Scenario scenario;
     scenario.machine.discovery_port_taken = true;

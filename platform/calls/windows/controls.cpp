@@ -50,6 +50,15 @@ LRESULT set_cursor(HWND handle, WPARAM wparam, LPARAM lparam) {
     return FALSE;
 }
 
+LRESULT set_or_get_font(HWND handle, bool set, WPARAM wparam) {
+    const RunLock lock = run_threads().lock();
+    Window& window = *window_model().find(handle);
+    if (!set)
+        return reinterpret_cast<LRESULT>(window.font);
+    window.font = reinterpret_cast<HFONT>(wparam);
+    return 0;
+}
+
 bool take_press(HWND handle) {
     const RunLock lock = run_threads().lock();
     Window& window = *window_model().find(handle);
@@ -173,6 +182,9 @@ LRESULT default_procedure(HWND window, UINT message, WPARAM wparam, LPARAM lpara
         const RunLock lock = run_threads().lock();
         return static_cast<LRESULT>(window_model().find(window)->text.size());
     }
+    case WM_SETFONT:
+    case WM_GETFONT:
+        return set_or_get_font(window, message == WM_SETFONT, wparam);
     case WM_SETCURSOR:
         return set_cursor(window, wparam, lparam);
     case WM_SYSCOMMAND:

@@ -1,4 +1,5 @@
-// The window procedure of list boxes: unsorted, one selection at most.
+// The window procedure of list boxes: unsorted, one selection at most. Those of several columns scroll
+// sideways, a column at a time, and only those made with WS_HSCROLL have a bar for it.
 #include "calls/run/session.h"
 #include "calls/windows/messages.h"
 
@@ -7,8 +8,11 @@
 namespace platform {
 namespace {
 
+// Pixels.
 constexpr int row_height = 13;
-constexpr int usual_column_width = 100; // pixels; only clicks go by it
+constexpr int usual_column_width = 100;
+constexpr int edges = 2;
+constexpr int bar_height = 17;
 
 int row_count(const Window& list) {
     return static_cast<int>(list.rows.size());
@@ -21,16 +25,38 @@ bool has_row(const Window& list, WPARAM row) {
 int column_rows(const Window& list) {
     if ((list.style & LBS_MULTICOLUMN) == 0)
         return std::max(1, row_count(list));
-    return std::max(1, (list.height - 2) / row_height);
+    const int bar = (list.style & WS_HSCROLL) != 0 ? bar_height : 0;
+    return std::max(1, (list.height - edges - bar) / row_height);
 }
 
 int column_width(const Window& list) {
     return list.column_width > 0 ? list.column_width : usual_column_width;
 }
 
+int column_count(const Window& list) {
+    return (row_count(list) + column_rows(list) - 1) / column_rows(list);
+}
+
+// Columns that are wholly in sight, or the one that is partly.
+int columns_in_sight(const Window& list) {
+    return std::max(1, (list.width - edges) / column_width(list));
+}
+
+void scroll_to(Window& list, int column) {
+    list.left_column = std::clamp(column, 0, std::max(0, column_count(list) - columns_in_sight(list)));
+}
+
+// After a change of rows or columns: the bar comes and goes, and takes room from the rows.
+void update_bar(Window& list) {
+    list.set_style(WS_HSCROLL, false);
+    list.set_style(WS_HSCROLL, list.scroll_bar && column_count(list) > columns_in_sight(list));
+    scroll_to(list, list.left_column);
+}
+
 LRESULT add_row(Window& list, LPARAM lparam) {
     const auto* text = reinterpret_cast<const WCHAR*>(lparam);
     list.rows.push_back(text == nullptr ? u"" : text);
+    update_bar(list);
     return static_cast<LRESULT>(list.rows.size()) - 1;
 }
 
@@ -44,11 +70,14 @@ LRESULT delete_row(Window& list, WPARAM row) {
         list.selected = LB_ERR;
     else if (list.selected > deleted)
         --list.selected;
+    update_bar(list);
     return row_count(list);
 }
 
 LRESULT select_row_of(Window& list, WPARAM row) {
     list.selected = has_row(list, row) ? static_cast<int>(row) : LB_ERR;
+    if (list.selected != LB_ERR)
+        scroll_to(list, column_showing(list, list.selected));
     return list.selected;
 }
 
@@ -65,8 +94,86 @@ LRESULT copy_row(const Window& list, WPARAM row, LPARAM buffer) {
 
 int row_at(const Window& list, LPARAM lparam) {
     const auto place = static_cast<DWORD_PTR>(lparam);
-    const int row = LOWORD(place) / column_width(list) * column_rows(list) + HIWORD(place) / row_height;
-    return row < row_count(list) ? row : LB_ERR;
+    const int row_in_column = HIWORD(place) / row_height;
+    const int row =
+        (list.left_column + LOWORD(place) / column_width(list)) * column_rows(list) + row_in_column;
+    return row_in_column < column_rows(list) && row < row_count(list) ? row : LB_ERR;
+}
+
+LRESULT copy_rectangle(const Window& list, WPARAM wparam, LPARAM lparam) {
+    if (!has_row(list, wparam))
+        return LB_ERR;
+    const int row = static_cast<int>(wparam);
+    const int left = (row / column_rows(list) - list.left_column) * column_width(list);
+    const int top = row % column_rows(list) * row_height;
+    *reinterpret_cast<RECT*>(lparam) = {left, top, left + column_width(list), top + row_height};
+    return 1;
+}
+
+void on_scroll(Window& list, WPARAM wparam) {
+    const int page = columns_in_sight(list);
+    switch (LOWORD(wparam)) {
+    case SB_LINELEFT:
+        return scroll_to(list, list.left_column - 1);
+    case SB_LINERIGHT:
+        return scroll_to(list, list.left_column + 1);
+    case SB_PAGELEFT:
+        return scroll_to(list, list.left_column - page);
+    case SB_PAGERIGHT:
+        return scroll_to(list, list.left_column + page);
+    case SB_THUMBPOSITION:
+        return scroll_to(list, HIWORD(wparam));
+    case SB_LEFT:
+        return scroll_to(list, 0);
+    case SB_RIGHT:
+        return scroll_to(list, column_count(list));
+    default:
+        return;
+    }
+}
+
+// How far a key moves the selection; 0 for keys that don't.
+int key_step(const Window& list, WPARAM key) {
+    switch (key) {
+    case VK_UP:
+        return -1;
+    case VK_DOWN:
+        return 1;
+    case VK_LEFT:
+        return -column_rows(list);
+    case VK_RIGHT:
+        return column_rows(list);
+    case VK_PRIOR:
+        return -columns_in_sight(list) * column_rows(list);
+    case VK_NEXT:
+        return columns_in_sight(list) * column_rows(list);
+    case VK_HOME:
+        return -row_count(list);
+    case VK_END:
+        return row_count(list);
+    default:
+        return 0;
+    }
+}
+
+// The first key of a list without a selection selects a row, as if the row before the first had been
+// selected. A key to the side stays where it is when there is no column there.
+void on_key(HWND handle, WPARAM key) {
+    {
+        const RunLock lock = run_threads().lock();
+        Window& list = *window_model().find(handle);
+        const int step = key_step(list, key);
+        if (step == 0 || row_count(list) == 0)
+            return;
+        int row = list.selected + step;
+        const bool aside = key == VK_LEFT || key == VK_RIGHT;
+        if (aside && (row < 0 || row >= row_count(list)))
+            row = list.selected;
+        select_row_of(list, static_cast<WPARAM>(std::clamp(row, 0, row_count(list) - 1)));
+        if ((list.style & LBS_NOTIFY) == 0)
+            return;
+    }
+    notify_dialog(handle, LBN_SELCHANGE);
 }
 
 // A press selects the row; the notification comes when the button goes up.
@@ -102,6 +209,7 @@ LRESULT on_list_message(Window& list, UINT message, WPARAM wparam, LPARAM lparam
     case LB_RESETCONTENT:
         list.rows.clear();
         list.selected = LB_ERR;
+        update_bar(list);
         return 0;
     case LB_SETCURSEL:
         return select_row_of(list, wparam);
@@ -118,6 +226,14 @@ LRESULT on_list_message(Window& list, UINT message, WPARAM wparam, LPARAM lparam
         return (list.style & LBS_USETABSTOPS) != 0 ? TRUE : FALSE;
     case LB_SETCOLUMNWIDTH:
         list.column_width = static_cast<int>(wparam);
+        update_bar(list);
+        return 0;
+    case LB_GETTOPINDEX:
+        return list.left_column * column_rows(list);
+    case LB_GETITEMRECT:
+        return copy_rectangle(list, wparam, lparam);
+    case WM_HSCROLL:
+        on_scroll(list, wparam);
         return 0;
     default:
         session().gate.refuse("message " + std::to_string(message) + " to a list box isn't modelled");
@@ -126,9 +242,14 @@ LRESULT on_list_message(Window& list, UINT message, WPARAM wparam, LPARAM lparam
 
 } // namespace
 
-POINT row_place(const Window& list, int row) {
+int column_showing(const Window& list, int row) {
+    const int column = row / column_rows(list);
+    return std::clamp(list.left_column, column - columns_in_sight(list) + 1, column);
+}
+
+POINT row_place(const Window& list, int row, int left_column) {
     const int rows = column_rows(list);
-    return {row / rows * column_width(list) + 2, row % rows * row_height + row_height / 2};
+    return {(row / rows - left_column) * column_width(list) + 2, row % rows * row_height + row_height / 2};
 }
 
 LRESULT list_procedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -142,7 +263,11 @@ LRESULT list_procedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) 
         on_release(handle);
         return 0;
     }
-    if (message < first_own || message > last_own)
+    if (message == WM_KEYDOWN) {
+        on_key(handle, wparam);
+        return 0;
+    }
+    if (message != WM_HSCROLL && (message < first_own || message > last_own))
         return default_procedure(handle, message, wparam, lparam);
     const RunLock lock = run_threads().lock();
     return on_list_message(*window_model().find(handle), message, wparam, lparam);

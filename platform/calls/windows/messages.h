@@ -38,7 +38,9 @@ LRESULT default_procedure(HWND window, UINT message, WPARAM wparam, LPARAM lpara
 // WM_COMMAND from a control to its dialog.
 void notify_dialog(HWND control, WORD notification);
 
-// Where a row of a list lies in its client area; what a click there hits.
-POINT row_place(const Window& list, int row);
+// The leftmost column with which a row of a list is in sight: the present one where that does.
+int column_showing(const Window& list, int row);
+// Where a row of a list then lies in its client area; what a click there hits.
+POINT row_place(const Window& list, int row, int left_column);
 
 } // namespace platform

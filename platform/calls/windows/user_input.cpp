@@ -138,7 +138,13 @@ std::string select_row(int row) {
         target.problem = "the list has " + std::to_string(rows) + " rows, and no row " + std::to_string(row);
     if (!target.problem.empty())
         return target.problem;
-    const POINT place = row_place(target.window, row);
+    const int column = column_showing(target.window, row);
+    if (column != target.window.left_column) {
+        if ((target.window.style & WS_HSCROLL) == 0)
+            return "row " + std::to_string(row) + " is out of sight, and the list has no scroll bar";
+        post_message(target.window.handle, WM_HSCROLL, MAKEWPARAM(SB_THUMBPOSITION, column), 0, true);
+    }
+    const POINT place = row_place(target.window, row, column);
     post_click(target.window.handle, MAKELPARAM(place.x, place.y));
     return {};
 }

@@ -87,12 +87,17 @@ bool WindowModel::usable(const Window& window) {
     return window.shown() && !window.disabled() && (parent == nullptr || usable(*parent));
 }
 
+POINT WindowModel::client_origin(const Window& dialog) {
+    return {dialog.left + frame_size, dialog.top + frame_size + caption_height};
+}
+
 RECT WindowModel::rectangle(const Window& window) {
     int left = window.left;
     int top = window.top;
     if (const Window* parent = find(window.parent)) {
-        left += parent->left + frame_size;
-        top += parent->top + frame_size + caption_height;
+        const POINT origin = client_origin(*parent);
+        left += origin.x;
+        top += origin.y;
     }
     return {left, top, left + window.width, top + window.height};
 }

@@ -34,6 +34,7 @@ struct Window {
     DWORD style = 0;       // WS_VISIBLE and WS_DISABLED are the state
     DWORD extended_style = 0;
     std::u16string text;
+    HFONT font = nullptr;
     UnitRectangle units;
     // Pixels; a control's place counts from its dialog's client area, a dialog's from the screen.
     int left = 0, top = 0, width = 0, height = 0;
@@ -49,6 +50,10 @@ struct Window {
     std::vector<std::u16string> rows; // list boxes
     int selected = LB_ERR;
     int column_width = 0;
+    int left_column = 0; // the first that is in sight
+    // Made with WS_HSCROLL; the style's bit tells whether the bar is to be seen, as not all columns are in
+    // sight.
+    bool scroll_bar = false;
 
     DLGPROC procedure = nullptr; // dialogs
     LONG_PTR message_result = 0;
@@ -88,10 +93,11 @@ struct WindowModel {
     Window& add(WindowKind kind);
     void remove(HWND handle); // with its controls and what was posted to them
     void raise(HWND dialog);
-    void show(Window& window, bool shown); // a dialog comes to the top, and has a focus from then on
-    bool visible(const Window& window);    // with all that it lies in
-    bool usable(const Window& window);     // visible, and neither it nor what it lies in is disabled
-    RECT rectangle(const Window& window);  // on the screen
+    void show(Window& window, bool shown);     // a dialog comes to the top, and has a focus from then on
+    bool visible(const Window& window);        // with all that it lies in
+    bool usable(const Window& window);         // visible, and neither it nor what it lies in is disabled
+    RECT rectangle(const Window& window);      // on the screen
+    POINT client_origin(const Window& dialog); // of its controls' places, on the screen
     Window* control(const Window& dialog, int id);
     // The next control behind `behind` that the Tab key reaches, or null; null starts at the first.
     HWND next_tab_stop(const Window& dialog, HWND behind);
@@ -116,5 +122,12 @@ WindowModel& window_model();
 
 // Makes the dialog and its controls, all as the template has them. Stops the run for what isn't modelled.
 HWND build_dialog(const Call& call, const DialogTemplate& layout);
+
+// Adds an empty list box to the dialog, behind its other controls, at a place in pixels of the client area.
+Window& add_list(const Call& call, HWND dialog, DWORD style, const RECT& place);
+
+// Dialog units to pixels, rounded to the nearest.
+int across(int units);
+int down(int units);
 
 } // namespace platform

@@ -23,6 +23,38 @@ protected:
     }
     LRESULT add(const WCHAR* text) const { return send(LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text)); }
 
+    // From here on the list is one of the template's styles that was made with a scroll bar, with two
+    // columns.
+    void make_scrolling() {
+        const RECT place = place_of(list_);
+        const HWND made = CreateWindowExW(
+            0, TEXT("LISTBOX"), nullptr, static_cast<DWORD>(GetWindowLongPtrW(list_, GWL_STYLE)) | WS_HSCROLL,
+            10, 10, width(place), place.bottom - place.top, dialog_, reinterpret_cast<HMENU>(UINT_PTR{1003}),
+            nullptr, nullptr);
+        ASSERT_NE(made, nullptr);
+        SendMessageW(made, WM_SETFONT, static_cast<WPARAM>(send(WM_GETFONT)), 0);
+        EXPECT_TRUE(SetWindowPos(made, list_, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE));
+        EXPECT_TRUE(DestroyWindow(list_));
+        list_ = GetDlgItem(dialog_, 1003);
+        EXPECT_EQ(list_, made);
+        send(LB_SETCOLUMNWIDTH, static_cast<WPARAM>(width(place) / 2 - 4));
+    }
+
+    static RECT place_of(HWND window) {
+        RECT place = {};
+        EXPECT_TRUE(GetWindowRect(window, &place));
+        return place;
+    }
+    static int width(const RECT& place) { return place.right - place.left; }
+    bool has_bar() const { return (GetWindowLongPtrW(list_, GWL_STYLE) & LONG_PTR{WS_HSCROLL}) != 0; }
+
+    bool in_sight(WPARAM row) const {
+        RECT place = {};
+        const RECT list = place_of(list_);
+        return send(LB_GETITEMRECT, row, reinterpret_cast<LPARAM>(&place)) != LB_ERR && place.left >= 0 &&
+               place.right <= width(list) && place.top >= 0 && place.bottom <= list.bottom - list.top;
+    }
+
     HWND dialog_;
     HWND list_;
 };
@@ -80,6 +112,76 @@ TEST_F(ListBoxes, TheSelectionFollowsItsRow) {
     EXPECT_EQ(send(LB_SETCURSEL, 0), 0);
     EXPECT_EQ(send(LB_SETCURSEL, no_row), LB_ERR) << "takes the selection away";
     EXPECT_EQ(send(LB_GETCURSEL), LB_ERR);
+}
+
+TEST_F(ListBoxes, OnlyOneThatWasMadeSoHasABarForRowsOutOfSight) {
+    for (int row = 0; row < 100; ++row)
+        add(TEXT("10.0.0.7\tShelf"));
+    EXPECT_FALSE(has_bar());
+    make_scrolling();
+    LRESULT rows = 0;
+    for (; !has_bar() && rows < 100; rows = send(LB_GETCOUNT)) {
+        for (LRESULT row = 0; row < rows; ++row)
+            EXPECT_TRUE(in_sight(static_cast<WPARAM>(row))) << row << " of " << rows;
+        add(TEXT("10.0.0.7\tShelf"));
+    }
+    EXPECT_LT(rows, 12) << "two columns";
+    const auto last = static_cast<WPARAM>(rows - 1);
+    EXPECT_FALSE(in_sight(last));
+    SendMessageW(list_, WM_HSCROLL, SB_LINERIGHT, 0);
+    EXPECT_TRUE(in_sight(last));
+    EXPECT_FALSE(in_sight(0));
+    EXPECT_GT(send(LB_GETTOPINDEX), 0);
+    SendMessageW(list_, WM_HSCROLL, SB_LEFT, 0);
+    EXPECT_TRUE(in_sight(0));
+    EXPECT_EQ(send(LB_GETTOPINDEX), 0);
+    while (send(LB_DELETESTRING, 0) > 0) {
+    }
+    EXPECT_FALSE(has_bar());
+}
+
+TEST_F(ListBoxes, KeysMoveTheSelectionIntoSight) {
+    make_scrolling();
+    for (int row = 0; row < 30; ++row)
+        add(TEXT("10.0.0.7\tShelf"));
+    const struct {
+        WPARAM key;
+        LRESULT selected;
+    } presses[] = {{VK_DOWN, 0}, {VK_DOWN, 1}, {VK_END, 29}, {VK_RIGHT, 29},
+                   {VK_UP, 28},  {VK_HOME, 0}, {VK_UP, 0}};
+    for (const auto& [key, selected] : presses) {
+        SendMessageW(list_, WM_KEYDOWN, key, 0);
+        EXPECT_EQ(send(LB_GETCURSEL), selected) << key;
+        EXPECT_TRUE(in_sight(static_cast<WPARAM>(selected))) << key;
+    }
+    SendMessageW(list_, WM_KEYDOWN, VK_RIGHT, 0);
+    SendMessageW(list_, WM_KEYDOWN, VK_LEFT, 0);
+    EXPECT_EQ(send(LB_GETCURSEL), 0) << "a column there and back";
+}
+
+TEST_F(ListBoxes, PlacesAndTextsCanBeMeasured) {
+    RECT place = place_of(list_);
+    const int list_width = width(place);
+    RECT wanted = {9, 17, 279, 40}; // the template's units
+    EXPECT_TRUE(MapDialogRect(dialog_, &wanted));
+    MapWindowPoints(nullptr, dialog_, reinterpret_cast<POINT*>(&place), 2);
+    EXPECT_EQ(place.left, wanted.left);
+    EXPECT_EQ(place.top, wanted.top);
+    EXPECT_EQ(list_width, wanted.right);
+    EXPECT_EQ(place.bottom - place.top, wanted.bottom);
+
+    const HDC context = GetDC(list_);
+    const HGDIOBJ before = SelectObject(context, reinterpret_cast<HGDIOBJ>(send(WM_GETFONT)));
+    EXPECT_NE(before, nullptr);
+    constexpr int stop = 200;
+    const auto extent = [&](const WCHAR* text) {
+        return GetTabbedTextExtentW(context, text, static_cast<int>(Text(text).size()), 1, &stop);
+    };
+    EXPECT_GT(LOWORD(extent(TEXT("MM"))), LOWORD(extent(TEXT("M"))));
+    EXPECT_EQ(LOWORD(extent(TEXT("a\tM"))), stop + LOWORD(extent(TEXT("M"))));
+    EXPECT_EQ(SelectObject(context, before), reinterpret_cast<HGDIOBJ>(send(WM_GETFONT)));
+    EXPECT_EQ(ReleaseDC(list_, context), 1);
+    EXPECT_EQ(GetTabbedTextExtentW(nullptr, TEXT("a"), 1, 1, &stop), 0u);
 }
 
 } // namespace
