@@ -44,8 +44,9 @@ std::string file_digest(const fs::path& file) {
 
 DriveFiles list_drive(const fs::path& drive_c, bool with_digests) {
     DriveFiles files;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(drive_c)) {
-        std::string name = "C:\\" + fs::relative(entry.path(), drive_c).string();
+    const fs::path root = drive_c / ""; // every entry's path begins with it
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
+        std::string name = "C:\\" + entry.path().native().substr(root.native().size());
         std::replace(name.begin(), name.end(), '/', '\\');
         files[name] = look_at(entry, with_digests);
     }

@@ -160,6 +160,33 @@ std::vector<FolderEntry> folder_entries(const RealPath& folder) {
     return entries;
 }
 
+FolderNames::FolderNames(const RealPath& folder) : folder_(folder) {
+    for (const FolderEntry& entry : real_entries(folder.real)) {
+        fs::path& known = entries_[upper_case(entry.name)];
+        if (known.empty() || entry.real < known)
+            known = entry.real;
+    }
+}
+
+RealPath FolderNames::look_up(const std::u16string& name) {
+    PlainPath path = plain_path(folder_.text.c_str());
+    const bool above = above_medium(path.drive, path.names);
+    path.names.push_back(name);
+    if (above || name.find(u'~') != name.npos) // another folder's file, or the short name of any entry
+        return platform::look_up(path);
+    RealPath found = folder_;
+    found.text = path.text();
+    found.root = found.folder_wanted = false;
+    found.real = folder_.real / to_utf8(name);
+    look_at(found);
+    const fs::path& known = entries_.try_emplace(upper_case(name), found.real).first->second;
+    if (!found.exists) {
+        found.real = known;
+        look_at(found);
+    }
+    return found;
+}
+
 std::u16string shown_path(const fs::path& real) {
     for (const Mount& mount : mounts()) {
         std::error_code failed;

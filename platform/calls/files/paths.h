@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,6 +52,19 @@ struct FolderEntry {
     std::u16string short_name = {}; // empty for a name of the form 8.3
 };
 std::vector<FolderEntry> folder_entries(const RealPath& folder);
+
+// The names of one folder, listed once, for the making of many files in it: each name that isn't there would
+// cost a listing of its own. It knows of nothing that others make there later.
+class FolderNames {
+public:
+    explicit FolderNames(const RealPath& folder);
+    // What look_up() gives for a plain name in the folder. From then on the name counts as being there.
+    RealPath look_up(const std::u16string& name);
+
+private:
+    RealPath folder_;
+    std::map<std::u16string, std::filesystem::path> entries_; // by the name in capitals
+};
 
 // The path, as the program would name it, of a real file or folder that has no links in its path. What lies
 // outside of the machine's drives is shown on drive X:, which no machine has.

@@ -3,6 +3,7 @@
 #include "machine/text.h"
 
 #include <algorithm>
+#include <map>
 #include <numeric>
 #include <set>
 
@@ -70,12 +71,15 @@ std::vector<std::u16string> short_names(const std::vector<std::u16string>& names
         if (is_short(name))
             taken.insert(upper_case(name));
     std::vector<std::u16string> shorter(names.size());
-    for (const std::size_t index : order)
-        for (unsigned number = 1; !is_short(names[index]) && shorter[index].empty(); ++number) {
-            const std::u16string name = numbered(names[index], number);
-            if (taken.insert(name).second)
-                shorter[index] = name;
-        }
+    std::map<std::u16string, unsigned> last; // by the name with number 1: up to which the numbers are taken
+    for (const std::size_t index : order) {
+        if (is_short(names[index]))
+            continue;
+        unsigned& number = last[numbered(names[index], 1)];
+        do
+            shorter[index] = numbered(names[index], ++number);
+        while (!taken.insert(shorter[index]).second);
+    }
     return shorter;
 }
 

@@ -78,10 +78,10 @@ int make_folders(const PlainPath& path) {
     return 0;
 }
 
-int copy_one(const PlainPath& source, const PlainPath& target) {
-    if (target.text().size() >= MAX_PATH)
+int copy_one(const PlainPath& source, const RealPath& target) {
+    if (target.text.size() >= MAX_PATH)
         return path_too_deep;
-    return static_cast<int>(platform::copy_file(platform::look_up(source), platform::look_up(target), true));
+    return static_cast<int>(platform::copy_file(platform::look_up(source), target, true));
 }
 
 // The files that the source's last name matches; folders stay out.
@@ -109,8 +109,9 @@ int copy_pattern(PlainPath source, const PlainPath& target) {
     if (place.exists && !place.folder)
         return target_is_a_file;
     int code = make_folders(target);
+    platform::FolderNames targets(platform::look_up(target));
     for (std::size_t index = 0; index < names.size() && code == 0; ++index)
-        code = copy_one(below(source, names[index]), below(target, names[index]));
+        code = copy_one(below(source, names[index]), targets.look_up(names[index]));
     return code;
 }
 
@@ -125,9 +126,9 @@ int copy_source(const platform::Call& call, const PlainPath& source, const Plain
     if (place.folder)
         call.refuse("copying a folder");
     if (!target.folder_wanted && !platform::look_up(target).folder)
-        return copy_one(source, target);
+        return copy_one(source, platform::look_up(target));
     const int code = make_folders(target);
-    return code != 0 ? code : copy_one(source, below(target, source.names.back()));
+    return code != 0 ? code : copy_one(source, platform::look_up(below(target, source.names.back())));
 }
 
 int copy(const platform::Call& call, const SHFILEOPSTRUCTW& operation) {

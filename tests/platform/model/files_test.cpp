@@ -79,9 +79,12 @@ TEST_F(FilesModel, FoldersAboveTheMediumHoldTheWayDown) {
 }
 
 TEST_F(FilesModel, ShortNamesAreNumberedByTheOrderOfTheNames) {
-    for (const char* name : {"Label Printer 2.info", "label printer 1.info", "LABELP~3.INF",
-                             "Label.Printer.inf", "Größe+.cpp", "a,b[c].d e", ".profile", "x.info"})
+    for (const char* name :
+         {"Label Printer 2.info", "label printer 1.info", "LABELP~3.INF", "Label.Printer.inf", "Größe+.cpp",
+          "a,b[c].d e", ".profile", "x.info", "series 100.info", "serie 100.info"})
         write(drive_c / "S" / name, name);
+    for (char letter = 'a'; letter <= 'l'; ++letter)
+        write(drive_c / "S" / (std::string("series ") + letter + ".info"), "x");
     start();
     const struct {
         const WCHAR *short_name, *name;
@@ -93,6 +96,11 @@ TEST_F(FilesModel, ShortNamesAreNumberedByTheOrderOfTheNames) {
         {u"A_B_C_~1.DE", u"a,b[c].d e"},
         {u"PROFIL~1", u".profile"},
         {u"X~1.INF", u"x.info"},
+        {u"SERIES~1.INF", u"series 100.info"},
+        {u"SERIE1~1.INF", u"serie 100.info"},
+        {u"SERIES~9.INF", u"series h.info"},
+        {u"SERIE~10.INF", u"series i.info"},
+        {u"SERIE~13.INF", u"series l.info"},
     };
     for (const auto& one : cases) {
         WIN32_FIND_DATAW entry{};

@@ -5,7 +5,9 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <shlobj.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <windows.h>
 
 #include <shellapi.h>
@@ -51,6 +53,33 @@ TEST_F(ShellModel, ResultsTellTheReason) {
     EXPECT_EQ(remove(u"C:\\tree\0C:\\out\0"), 0);
     EXPECT_FALSE(fs::exists(drive_c / "tree") || fs::exists(drive_c / "out"));
     EXPECT_TRUE(fs::exists(drive_c / "Users" / "kept")); // what a link leads to stays
+}
+
+// Names without regard to case, also those that the same copying brought.
+TEST_F(ShellModel, CopyingManyFilesListsTheirFolderOnce) {
+    for (int number = 0; number < 40; ++number)
+        write(medium / "profiles" / ("profile_" + std::to_string(number) + ".tkp"), "x");
+    write(medium / "profiles" / "TWICE.tkp", "first");
+    write(medium / "profiles" / "twice.tkp", "second");
+    write(medium / "profiles" / "there.tkp", "new");
+    write(drive_c / "out" / "There.TKP", "old");
+    start();
+    const int watcher = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    ASSERT_GE(inotify_add_watch(watcher, (drive_c / "out").c_str(), IN_OPEN), 0);
+    EXPECT_EQ(copy(u"D:\\medium\\profiles\\*.tkp\0", u"C:\\out\\\0"), 0);
+    int listings = 0;
+    alignas(inotify_event) char events[4096];
+    for (ssize_t size = 0; (size = ::read(watcher, events, sizeof events)) > 0;)
+        for (ssize_t at = 0; at < size;) {
+            const auto* const event = reinterpret_cast<const inotify_event*>(events + at);
+            listings += event->len == 0 ? 1 : 0; // of the folder itself, not of a file in it
+            at += static_cast<ssize_t>(sizeof *event + event->len);
+        }
+    close(watcher);
+    EXPECT_EQ(listings, 1);
+    EXPECT_EQ(read(drive_c / "out" / "TWICE.tkp"), "second");
+    EXPECT_EQ(read(drive_c / "out" / "There.TKP"), "new");
+    EXPECT_FALSE(fs::exists(drive_c / "out" / "twice.tkp") || fs::exists(drive_c / "out" / "there.tkp"));
 }
 
 TEST_F(ShellModel, WhatIsntModelledStopsTheRun) {
