@@ -5,7 +5,10 @@
 #include <stdexcept>
 
 #include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -28,6 +31,44 @@ void copy_times(const fs::path& to, const struct stat& from) {
         fail(to, "its time can't be set");
 }
 
+// Copies a part of a file; false where the file system can't, or has no room.
+bool copy_part(int from, int to, off_t begin, off_t end) {
+    off_t read = begin, written = begin;
+    while (read < end)
+        if (copy_file_range(from, &read, to, &written, static_cast<std::size_t>(end - read), 0) <= 0)
+            return false;
+    return true;
+}
+
+// Shares the bytes where the file system can, or copies what isn't a hole: a large file is mostly one, or is
+// copied without its bytes coming by here.
+bool copy_bytes(int from, int to, off_t size) {
+    if (ioctl(to, FICLONE, from) == 0)
+        return true;
+    if (ftruncate(to, size) != 0)
+        return false;
+    for (off_t place = 0; place < size;) {
+        const off_t data = lseek(from, place, SEEK_DATA);
+        if (data < 0)
+            return errno == ENXIO; // nothing but a hole is left
+        place = lseek(from, data, SEEK_HOLE);
+        if (place < 0 || !copy_part(from, to, data, place))
+            return false;
+    }
+    return true;
+}
+
+bool copy_sparsely(const fs::path& from, const fs::path& to, const struct stat& facts) {
+    const int source = open(from.c_str(), O_RDONLY | O_CLOEXEC);
+    const int target = open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    const bool copied = source >= 0 && target >= 0 && copy_bytes(source, target, facts.st_size) &&
+                        fchmod(target, facts.st_mode & 07777) == 0;
+    for (const int descriptor : {source, target})
+        if (descriptor >= 0)
+            close(descriptor);
+    return copied;
+}
+
 void copy_tree(const fs::path& from, const fs::path& to);
 
 void copy_file(const fs::path& from, const fs::path& to, const struct stat& facts) {
@@ -35,8 +76,8 @@ void copy_file(const fs::path& from, const fs::path& to, const struct stat& fact
     // What goes by several names is told by their number, and that has to stay.
     if (facts.st_nlink > 1)
         fs::create_hard_link(from, to, error);
-    else
-        fs::copy_file(from, to, error);
+    else if (!copy_sparsely(from, to, facts))
+        fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
     if (error)
         throw std::runtime_error(from.string() + ": can't be copied: " + error.message());
     if (facts.st_nlink == 1)

@@ -9,6 +9,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <fstream>
 #include <set>
 
 #include <fcntl.h>
@@ -167,13 +168,23 @@ TEST_F(TrkProgram, KeepsAllOrNothingOnAFullDisk) {
     EXPECT_EQ(seen, (std::set<int>{0, 2}));
 }
 
-TEST_F(TrkProgram, TakesADriveWithLinksAndPipes) {
+TEST_F(TrkProgram, TakesADriveWithLinksPipesAndLargeFiles) {
     const fs::path drive = machine.string() + ".drive-c";
     fs::create_directories(drive);
     fs::create_symlink("nowhere", drive / "dangling");
     ASSERT_EQ(mkfifo((drive / "pipe").c_str(), 0600), 0);
+    TestSession::write(drive / "large", "begin");
+    constexpr std::uintmax_t gigabyte = 1 << 30;
+    fs::resize_file(drive / "large", gigabyte);
     EXPECT_EQ(rehearse("--quiet " + usual), 0) << err;
     EXPECT_TRUE(fs::is_symlink(drive / "dangling") && fs::is_fifo(drive / "pipe"));
+    struct stat large = {};
+    ASSERT_EQ(stat((drive / "large").c_str(), &large), 0);
+    EXPECT_EQ(fs::file_size(drive / "large"), gigabyte);
+    EXPECT_LT(large.st_blocks, 1000) << "what is a hole stays one";
+    std::string begin(5, ' ');
+    std::ifstream(drive / "large").read(begin.data(), 5);
+    EXPECT_EQ(begin, "begin");
 }
 
 TEST_F(TrkProgram, TellsWhereAScriptOrAFaultIsWrong) {
