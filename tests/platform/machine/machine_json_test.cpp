@@ -144,7 +144,7 @@ TEST(MachineJson, ErrorsNameThePlaceAndTheReason) {
         {"{\"spooler\": {\n\"ports\": [\n{\"name\":\"ä\",\"monitor\":\"b\",\"x\":1}]}}",
          "3:27: spooler/ports/0/x: unknown key; there are name, monitor, description, type, host_address, "
          "ip_address, protocol, port_number, snmp_enabled, configuration"},
-        {"{\n\n\"wow64\":\n 1}", "4:2: wow64: must be true or false"},
+        {"{\n\n\"discovery_port_taken\":\n 1}", "4:2: discovery_port_taken: must be true or false"},
         {"{\"ui_language\": -1}", "1:17: ui_language: must be a whole number from 0 to 65535"},
         {"{\"ui_language\": 65536}", "1:17: ui_language: must be a whole number from 0 to 65535"},
         {"{\"ui_language\": 1.5e0 }", "1:17: ui_language: must be a whole number from 0 to 65535"},
@@ -165,12 +165,13 @@ TEST(MachineJson, ErrorsNameThePlaceAndTheReason) {
          "1:47: services/0/now/0/state: \"runing\" isn't known here (did you mean running?)"},
         {"{\"registry\": {\"K\": {\"v\": {\n\"type\": \"dword\", \"value\": \"1\"}}}}",
          "2:27: registry/K/v/value: must be a whole number from 0 to 4294967295"},
-        {"{\"wow64\": true,\n\"wow64\": true}", "2:1: \"wow64\" stands here a second time"},
+        {"{\"discovery_port_taken\": true,\n\"discovery_port_taken\": true}",
+         "2:1: \"discovery_port_taken\" stands here a second time"},
         {"[]", "1:1: must be an object"},
-        {"{\n\"wow64\": true,\n}",
+        {"{\n\"discovery_port_taken\": true,\n}",
          "3:1: syntax error while parsing object key - unexpected '}'; expected string literal"},
-        {"{\"wow64\": true",
-         "1:15: syntax error while parsing object - unexpected end of input; expected '}'"},
+        {"{\"discovery_port_taken\": true",
+         "1:30: syntax error while parsing object - unexpected end of input; expected '}'"},
     };
     for (const auto& test : cases)
         EXPECT_EQ(reason_of(test.text), std::string("m.json:") + test.expected);
