@@ -65,7 +65,7 @@ protected:
     void SetUp() override {
         if (!rehearsal::NetworkNamespaces::permitted())
             GTEST_SKIP() << "network namespaces aren't permitted here";
-        TestSession::write(list, R"({"printers": [{"name": "red"}, {"replies": [
+        TestSession::write(list, R"({"printers": [{"name": "red"}, {"delay": 300, "replies": [
           {"hex": "0207ff"}, {"attributes": "(((,(printer-name=%s%n\u001b[2J", "times": 200}]}]})");
     }
     int among_printers(const std::string& command) {
