@@ -10,6 +10,7 @@
 #include "state/names.h"
 #include "support/dialog_text.h"
 #include "support/install_log.h"
+#include "support/memory.h"
 #include "support/text.h"
 
 #include <winspool.h>

@@ -8,6 +8,7 @@
 #include "support/current_folder.h"
 #include "support/install_log.h"
 #include "support/known_folder.h"
+#include "support/memory.h"
 #include "support/text.h"
 
 #include <failed_step.h>

@@ -7,6 +7,7 @@
 
 #include "discovery/slp.h"
 #include "support/install_log.h"
+#include "support/memory.h"
 #include "support/text.h"
 
 #include <failed_step.h>

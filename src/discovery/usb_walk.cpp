@@ -3,7 +3,7 @@
 #include <cfgmgr32.h>
 
 #include "support/install_log.h"
-#include "support/text.h"
+#include "support/memory.h"
 
 namespace {
 

@@ -6,6 +6,7 @@
 
 #include "support/install_log.h"
 #include "support/known_folder.h"
+#include "support/memory.h"
 #include "support/system_text.h"
 #include "support/text.h"
 

@@ -1,6 +1,7 @@
 #include "removal/service_control.h"
 
 #include "support/install_log.h"
+#include "support/memory.h"
 #include "support/text.h"
 
 #include <failed_step.h>

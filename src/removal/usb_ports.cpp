@@ -4,6 +4,7 @@
 
 #include "spooler/inventory.h"
 #include "support/install_log.h"
+#include "support/memory.h"
 #include "support/registry_text.h"
 #include "support/text.h"
 

@@ -3,7 +3,7 @@
 #include <winspool.h>
 
 #include "support/install_log.h"
-#include "support/text.h"
+#include "support/memory.h"
 
 #include <failed_step.h>
 

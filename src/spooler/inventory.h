@@ -7,7 +7,8 @@
 
 // One of the spooler's lists at one level: the published records, from the start of the buffer, with their
 // texts behind them. `count` gets their number, never more than the buffer has room for. Null, with a count
-// of 0, when the spooler has nothing or the level isn't one of those named; released with release_bytes.
+// of 0, when the spooler has nothing or the level isn't one of those named; released with release_bytes
+// (support/memory.h).
 void* enumerate_printers(DWORD level, DWORD* count);   // local queues; levels 1 and 2
 void* enumerate_drivers(DWORD level, DWORD* count);    // of the machine's own environment; level 6
 void* enumerate_monitors(DWORD level, DWORD* count);   // level 1; first logs "EnumMonitors <result> <bytes>"

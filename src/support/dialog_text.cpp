@@ -3,6 +3,7 @@
 #include "resources/resource_ids.h"
 #include "state/app_state.h"
 #include "support/install_log.h"
+#include "support/memory.h"
 #include "support/system_text.h"
 #include "support/text.h"
 

@@ -73,7 +73,3 @@ void blank_controls(char* text, size_t length);
 // Whether the text is one plain file or folder name: not empty, not "." or "..", no separator, colon,
 // wildcard, quote, angle bracket, bar or control character, and no blank or point at its end.
 int is_plain_name(const WCHAR* name);
-
-// Zeroed memory of the process heap, or null; the second gives it back (null is accepted).
-void* allocate_bytes(size_t bytes);
-void release_bytes(void* block);

@@ -27,12 +27,3 @@ int append_text(WCHAR* out, size_t capacity, const WCHAR* text) {
     const size_t used = text_length(out);
     return used < capacity && copy_text(out + used, capacity - used, text);
 }
-
-void* allocate_bytes(size_t bytes) {
-    return HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, bytes);
-}
-
-void release_bytes(void* block) {
-    if (block != nullptr)
-        HeapFree(GetProcessHeap(), 0, block);
-}

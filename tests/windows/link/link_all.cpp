@@ -38,6 +38,7 @@
 #include "support/install_log.h"
 #include "support/known_folder.h"
 #include "support/library_search.h"
+#include "support/memory.h"
 #include "support/registry_text.h"
 #include "support/system_text.h"
 #include "support/text.h"
