@@ -96,13 +96,17 @@ std::string ScriptUser::place_of(const Action& action) const {
 }
 
 bool Person::act() {
+    if (left_)
+        return false;
     if (!std::exchange(asked_, true))
         out_ << "\n" << action_help << ";\n  help, more (the whole texts), quit\n";
     for (;;) {
         out_ << "\n> " << std::flush;
         std::string line;
-        if (!std::getline(in_, line) || line == "quit")
+        if (!std::getline(in_, line) || line == "quit") {
+            left_ = true;
             return false;
+        }
         if (line == "help")
             out_ << action_help << ";\n  help, more (the whole texts), quit\n";
         else if (line == "more")

@@ -63,6 +63,7 @@ private:
     std::istream& in_;
     std::ostream& out_;
     bool asked_ = false;
+    bool left_ = false; // asked no more, though each dialog that is still open asks
 };
 
 } // namespace rehearsal

@@ -11,7 +11,8 @@ struct Conversation {
     int status = -1;
 };
 
-// Everything is typed ahead; the program takes a line whenever it asks.
+// Everything is typed ahead, then the end of the input, so that nobody waits; the program takes a line
+// whenever it asks.
 Conversation talk(const std::vector<std::string>& arguments, const std::string& typed) {
     std::vector<std::string> kept = arguments;
     std::vector<char*> words;
@@ -24,7 +25,8 @@ Conversation talk(const std::vector<std::string>& arguments, const std::string& 
         execv(words[0], words.data());
         _exit(99);
     }
-    EXPECT_EQ(write(terminal, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
+    const std::string all = typed + '\x04';
+    EXPECT_EQ(write(terminal, all.data(), all.size()), static_cast<ssize_t>(all.size()));
     Conversation result;
     char buffer[4096];
     for (ssize_t got = 0; (got = read(terminal, buffer, sizeof buffer)) > 0;)

@@ -176,7 +176,7 @@ TEST(RehearsedLog, TellsWhatWasInstalledFromWhere) {
     Scenario scenario;
     scenario.actions = network_install;
     const rehearsal::logs::Run run = read_one(scenario);
-    EXPECT_EQ(run.bits, 32);
+    EXPECT_EQ(run.bits, 64);
     EXPECT_EQ(language_text(run), "English, as the system has it");
     EXPECT_EQ(run.medium, "D:\\medium");
     EXPECT_EQ(run.driver + " " + run.version + " " + run.model, "Label 100 Driver 1.2.3.4 Label_100_Series");
