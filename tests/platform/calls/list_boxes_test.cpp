@@ -129,9 +129,10 @@ TEST_F(ListBoxes, OnlyOneThatWasMadeSoHasABarForRowsOutOfSight) {
     const auto last = static_cast<WPARAM>(rows - 1);
     EXPECT_FALSE(in_sight(last));
     SendMessageW(list_, WM_HSCROLL, SB_LINERIGHT, 0);
-    EXPECT_TRUE(in_sight(last));
     EXPECT_FALSE(in_sight(0));
     EXPECT_GT(send(LB_GETTOPINDEX), 0);
+    SendMessageW(list_, WM_HSCROLL, SB_RIGHT, 0);
+    EXPECT_TRUE(in_sight(last));
     SendMessageW(list_, WM_HSCROLL, SB_LEFT, 0);
     EXPECT_TRUE(in_sight(0));
     EXPECT_EQ(send(LB_GETTOPINDEX), 0);
