@@ -152,7 +152,7 @@ void PackageReader::read_catalog() {
         const InfLine* catalog = inf_.line(u"Version", key);
         if (catalog == nullptr || catalog->values.front().text.empty())
             continue;
-        add_file({catalog->values.front().text, false, catalog->values.front().place, {}});
+        add_file({catalog->values.front().text, false, catalog->values.front().place, {}, true});
         return;
     }
 }

@@ -29,6 +29,7 @@ struct PackageFile {
     // What may stand in for it, each below the INF's folder as well: the compressed file `name.dl_`, the
     // cabinet of its disk. Nobody looks into them.
     std::vector<std::u16string> stand_ins;
+    bool catalogue = false; // named by [Version], not by a list of files
 };
 
 struct InfPackage {

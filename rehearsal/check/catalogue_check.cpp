@@ -99,14 +99,14 @@ void add_files(const Medium& medium, const SignedInf& inf, const platform::InfPa
 // For the systems that the INF has models for.
 CatalogueDuties catalogue_duties(const Medium& medium, const SignedInf& inf, Findings& findings) {
     CatalogueDuties duties;
+    std::vector<const char*> without;
     for (std::size_t i = 0; i < catalogue_systems.size(); ++i) {
         const char* const processor = catalogue_systems[i].processor;
         if (inf.packages[i].models.empty())
             continue;
         const platform::InfValue* const name = catalogue_name(inf, processor);
         if (name == nullptr) {
-            findings.add("catalogue-none", {inf.entry->path},
-                         std::string("the INF names no catalogue for ") + processor);
+            without.push_back(processor);
             continue;
         }
         CatalogueDuty& duty = duties[folder_with_slash(*inf.entry) + platform::to_utf8(name->text)];
@@ -114,6 +114,9 @@ CatalogueDuties catalogue_duties(const Medium& medium, const SignedInf& inf, Fin
         duty.processors.push_back(processor);
         add_files(medium, inf, inf.packages[i], duty);
     }
+    if (!without.empty())
+        findings.add("catalogue-none", {inf.entry->path},
+                     "the INF names no catalogue, and " + needed_by_packages(without) + " one");
     return duties;
 }
 
@@ -239,12 +242,12 @@ void CatalogueCheck::check_systems() {
 
 void check_catalogues_of(const Medium& medium, const SignedInf& inf, Findings& findings) {
     for (const auto& [path, duty] : catalogue_duties(medium, inf, findings)) {
-        const MediumEntry* const file = medium.find_file(path);
-        if (file == nullptr) {
+        const MediumEntry* const file = medium.find(path);
+        if (file == nullptr)
             findings.add("catalogue-missing", {inf.entry->path, duty.place.line, duty.place.column},
-                         path + " isn't on the medium");
+                         missing_file(medium, path, needed_by_packages(duty.processors)));
+        if (file == nullptr || !file->is_file()) // a folder in its place is told where files are
             continue;
-        }
         std::string problem;
         if (const auto catalogue = read_catalogue(medium.bytes(*file), problem))
             CatalogueCheck(medium, inf, duty, *file, *catalogue, findings).check();

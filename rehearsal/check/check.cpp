@@ -124,8 +124,8 @@ std::string explain(const Rule& rule) {
 bool shows_in_rehearsal(const Finding& finding) {
     constexpr std::string_view unseen[] = {"files-program", "files-machine", "files-sibling",
                                            "inf-backup-taken", "layout-case-twice"};
-    return !finding.id.starts_with("catalogue-") &&
-           std::find(std::begin(unseen), std::end(unseen), finding.id) == std::end(unseen);
+    const bool of_signature = finding.id.starts_with("catalogue-") && finding.id != "catalogue-missing";
+    return !of_signature && std::find(std::begin(unseen), std::end(unseen), finding.id) == std::end(unseen);
 }
 
 void explain_failed_run(std::ostream& out, const std::filesystem::path& medium) {

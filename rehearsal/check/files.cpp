@@ -55,6 +55,7 @@ public:
         if (const DriverInf* const inf = taken_inf(driver_infs(medium_)))
             for (const Environment environment : {x86, amd64, arm64})
                 check_package(*inf, environment);
+        report_needed();
         check_setup_programs();
         check_profiles();
         report_placeholders();
@@ -67,31 +68,29 @@ private:
     void check_program(const MediumEntry& entry, PeMachine machine, const std::string& why);
     void check_package(const DriverInf& inf, Environment environment);
     const MediumEntry* find_packed(const platform::PackageFile& file) const;
-    void check_packed(const DriverInf& inf, const platform::PackageFile& file, const std::string& needs);
+    void check_packed(const DriverInf& inf, const platform::PackageFile& file, Environment environment);
     void check_spelling(const DriverInf& inf, const platform::PackageFile& file, const MediumEntry& entry);
     void check_setup_programs();
     void check_profiles();
+    void need(const std::string& path, const Place& place, const char* environment);
+    void report_needed();
     void report_placeholders();
+
+    // A file that isn't there, and the systems whose packages need it.
+    struct Needed {
+        std::string path;
+        Place place;
+        std::vector<const char*> environments;
+    };
 
     const Medium& medium_;
     Findings& findings_;
+    std::vector<Needed> needed_;
     std::vector<std::string> placeholders_;
 };
 
-// With the nearest name that lies in the same folder.
 void FilesCheck::report_missing(std::string_view path, const Place& asked_by, const std::string& asker) {
-    const std::size_t slash = path.rfind('/');
-    const std::string_view folder = path.substr(0, slash == path.npos ? 0 : slash);
-    const std::string_view name = path.substr(slash == path.npos ? 0 : slash + 1);
-    std::vector<std::string_view> names;
-    for (const MediumEntry* const entry : medium_.in_folder(folder))
-        names.push_back(entry->name());
-    std::string reason = std::string(path) + " isn't on the medium, and " + asker + " it";
-    if (const std::string_view near = nearest(name, names); !near.empty())
-        reason += "; the nearest in its folder is " + std::string(near);
-    else if (!folder.empty() && medium_.find(folder) == nullptr)
-        reason += "; there is no folder " + std::string(folder);
-    findings_.add("files-missing", asked_by, std::move(reason));
+    findings_.add("files-missing", asked_by, missing_file(medium_, path, asker));
 }
 
 // False for what is no file, or has nothing in it.
@@ -155,14 +154,29 @@ const MediumEntry* FilesCheck::find_packed(const platform::PackageFile& file) co
 }
 
 void FilesCheck::check_packed(const DriverInf& inf, const platform::PackageFile& file,
-                              const std::string& needs) {
+                              Environment environment) {
     std::string path = "Drivers/" + platform::to_utf8(file.path);
     std::replace(path.begin(), path.end(), '\\', '/');
     if (const MediumEntry* const packed = find_packed(file))
         findings_.add("files-packed", place_in(inf, file.place),
                       packed->path + " stands for " + path + ", and what is in it isn't looked at");
-    else if (!file.optional)
-        report_missing(path, place_in(inf, file.place), needs);
+    else if (!file.optional && !file.catalogue) // a missing catalogue is told where catalogues are
+        need(path, place_in(inf, file.place), name_of(environment));
+}
+
+void FilesCheck::need(const std::string& path, const Place& place, const char* environment) {
+    const auto known = std::find_if(needed_.begin(), needed_.end(), [&](const Needed& one) {
+        return one.path == path && one.place.line == place.line && one.place.column == place.column;
+    });
+    if (known == needed_.end())
+        needed_.push_back({path, place, {environment}});
+    else
+        known->environments.push_back(environment);
+}
+
+void FilesCheck::report_needed() {
+    for (const Needed& one : needed_)
+        report_missing(one.path, one.place, needed_by_packages(one.environments));
 }
 
 void FilesCheck::check_package(const DriverInf& inf, Environment environment) {
@@ -173,7 +187,7 @@ void FilesCheck::check_package(const DriverInf& inf, Environment environment) {
     for (const platform::PackageFile& file : package.files) {
         const MediumEntry* const entry = find_in_package(medium_, file.path);
         if (entry == nullptr) {
-            check_packed(inf, file, std::string("the package for ") + name_of(environment) + " needs");
+            check_packed(inf, file, environment);
             continue;
         }
         check_spelling(inf, file, *entry);

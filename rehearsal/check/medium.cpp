@@ -171,4 +171,27 @@ Place Medium::place(const MediumEntry& file, std::size_t offset) const {
     return place;
 }
 
+std::string missing_file(const Medium& medium, std::string_view path, const std::string& asker) {
+    const std::size_t slash = path.rfind('/');
+    const std::string_view folder = path.substr(0, slash == path.npos ? 0 : slash);
+    const std::string_view name = path.substr(slash == path.npos ? 0 : slash + 1);
+    std::vector<std::string_view> names;
+    for (const MediumEntry* const entry : medium.in_folder(folder))
+        names.push_back(entry->name());
+    std::string reason = std::string(path) + " isn't on the medium, and " + asker + " it";
+    if (const std::string_view near = nearest(name, names); !near.empty())
+        reason += "; the nearest in its folder is " + std::string(near);
+    else if (!folder.empty() && medium.find(folder) == nullptr)
+        reason += "; there is no folder " + std::string(folder);
+    return reason;
+}
+
+std::string needed_by_packages(const std::vector<const char*>& environments) {
+    std::string names;
+    for (std::size_t i = 0; i < environments.size(); ++i)
+        names += (i == 0 ? "" : i + 1 == environments.size() ? " and " : ", ") + std::string(environments[i]);
+    return environments.size() == 1 ? "the package for " + names + " needs"
+                                    : "the packages for " + names + " need";
+}
+
 } // namespace rehearsal::check

@@ -76,4 +76,9 @@ bool same_text(std::string_view a, std::string_view b);
 // written; empty when none is, and when one of them is the text itself.
 std::string_view nearest(std::string_view written, const std::vector<std::string_view>& candidates);
 
+// "PATH isn't on the medium, and ASKER it", and the nearest name that lies in the same folder.
+std::string missing_file(const Medium& medium, std::string_view path, const std::string& asker);
+// "the package for x86 needs", "the packages for x86 and amd64 need".
+std::string needed_by_packages(const std::vector<const char*>& environments);
+
 } // namespace rehearsal::check

@@ -85,9 +85,7 @@ std::vector<CatalogueCase> catalogue_cases() {
         {"FirstForm", package(usual_signing(), for_systems("7X86,_v100_X64", false)), {trust}},
         {"InfEdited", with_file(package(), 0, edited), {"catalogue-inf-changed Drivers/lbl.inf", trust}},
         {"FileChanged", with_file(package(), 2, "64 bitz"), {"catalogue-file Drivers/64/lbl.dll", trust}},
-        {"NoneNamed",
-         package(usual_signing(), {}, no_catalogue),
-         {"catalogue-none Drivers/lbl.inf", "catalogue-none Drivers/lbl.inf"}},
+        {"NoneNamed", package(usual_signing(), {}, no_catalogue), {"catalogue-none Drivers/lbl.inf"}},
         {"OneOfTwoMissing",
          package(usual_signing(), {}, two),
          {trust, "catalogue-missing Drivers/lbl.inf:4:19"}},
@@ -126,6 +124,10 @@ TEST(CatalogueCheck, SaysWhyAFileIsNotListed) {
     EXPECT_EQ(
         reasons(with_file(package(), 0, package_inf + " ")),
         "catalogue-inf-changed: Drivers/lbl.cat lists it with another digest: it was changed after signing");
+    MediumFiles none = package();
+    none.back().first = "Drivers/lable.cat";
+    EXPECT_EQ(reasons(none), "catalogue-missing: Drivers/lbl.cat isn't on the medium, and the packages for "
+                             "x86 and amd64 need it; the nearest in its folder is lable.cat");
     const MediumFiles more =
         package(usual_signing(), {}, package_inf + "more.dll=1\r\n[Files]\r\nmore.dll\r\n");
     MediumFiles files = more;

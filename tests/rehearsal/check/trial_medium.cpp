@@ -84,7 +84,8 @@ public:
 };
 
 bool is_looked_at(const std::string& id) {
-    return (id.starts_with("inf-") || id.starts_with("files-") || id.starts_with("layout-")) &&
+    return (id == "catalogue-missing" || id.starts_with("inf-") || id.starts_with("files-") ||
+            id.starts_with("layout-")) &&
            id != "files-no-setup" && id != "files-placeholder";
 }
 
