@@ -45,20 +45,25 @@ if(WIN32)
   # The system libraries that are loaded with the program, in place of the longer list that CMake links by itself.
   set(CMAKE_CXX_STANDARD_LIBRARIES "-ladvapi32 -lgdi32 -luser32 -lkernel32")
 
-  # The 32-bit program takes from the library only what it calls: the linker compiles the whole anew. On 64 bits that
-  # left a slot of the late imports empty. The library's own objects serve other linkers too.
-  set(whole_program)
-  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-    list(APPEND TRK_SOURCE_LANGUAGE -flto -ffat-lto-objects)
-    set(whole_program -flto -Os -fstack-protector-strong)
-  endif()
+  # The programs take from the library only what they call: the linker compiles the whole anew. The library's own
+  # objects serve other linkers too.
+  list(APPEND TRK_SOURCE_LANGUAGE -flto -ffat-lto-objects)
+  set(whole_program -flto -Os -fstack-protector-strong)
+
+  # A late import that only dropped routines call keeps its slot, and the slot needs the code that it starts with. The
+  # linker's own script sees to that on 32 bits alone, so its list of slots becomes one to keep on 64 bits too.
+  set(linker_script ${PROJECT_BINARY_DIR}/linker_script.ld)
+  execute_process(COMMAND ${CMAKE_LINKER} --verbose OUTPUT_VARIABLE script COMMAND_ERROR_IS_FATAL ANY)
+  string(REGEX REPLACE "^.*==========\n(.*)\n==========.*$" "\\1" script "${script}")
+  string(REGEX REPLACE "\n *(SORT\\(\\*\\)\\(\\.idata\\$5\\))" "\n    KEEP (\\1)" script "${script}")
+  file(CONFIGURE OUTPUT ${linker_script} CONTENT "${script}" @ONLY)
 
   # No runtime library of the compiler, an image that may lie anywhere and whose data can't be run, and nothing in it
   # that differs from one build to the next.
   add_library(trk_windows_link INTERFACE)
   target_link_options(trk_windows_link INTERFACE
-    ${whole_program} -static -Wl,--gc-sections -Wl,--dynamicbase -Wl,--nxcompat -Wl,--enable-reloc-section
-    -Wl,--no-insert-timestamp -Wl,--strip-debug -Wl,--fatal-warnings
+    ${whole_program} -static -Wl,--gc-sections -Wl,-T,${linker_script} -Wl,--dynamicbase -Wl,--nxcompat
+    -Wl,--enable-reloc-section -Wl,--no-insert-timestamp -Wl,--strip-debug -Wl,--fatal-warnings
     -Wl,--major-subsystem-version=6 -Wl,--minor-subsystem-version=0
     -Wl,--major-os-version=6 -Wl,--minor-os-version=0)
   if(CMAKE_SIZEOF_VOID_P EQUAL 8)

@@ -59,10 +59,11 @@ void keep(Routine*... routines) {
 } // namespace
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
-    keep(search_printers, add_candidate, candidate_known, add_usb_candidate, pump_message, wake_loop,
-         on_set_cursor, find_installed_driver, analyse_driver, report_end, install_worker, run_installer,
-         printer_exists, ask_printer_address, ip_dialog_proc, ask_address_text, main_dialog_proc,
-         enter_network_mode, clear_candidates, relaunch_64, run_setup, show_terms_page, terms_dialog_proc);
+    keep(search_printers, make_list_scroll, add_candidate, candidate_known, add_usb_candidate, pump_message,
+         wake_loop, on_set_cursor, find_installed_driver, analyse_driver, report_end, install_worker,
+         run_installer, printer_exists, ask_printer_address, ip_dialog_proc, ask_address_text,
+         main_dialog_proc, enter_network_mode, clear_candidates, relaunch_64, run_setup, show_terms_page,
+         terms_dialog_proc);
     keep(deploy_monitor_layout, deploy_program_files, copy_package_file, copyDirFiles, compare_os_version,
          is_os_newer_than, make_model_folder, make_install_folder, create_model_shortcuts, create_shortcut,
          create_link_file, create_menu_group);
