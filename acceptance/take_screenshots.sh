@@ -25,8 +25,8 @@ readonly pictures=${TRK_PICTURES:-$root/docs/pictures}
 readonly template=$state/template
 readonly wine_fonts=/usr/share/wine/fonts
 readonly east_asian_font=/usr/share/fonts/truetype/wqy/wqy-microhei.ttc
-readonly visit_timeout=60 # seconds; what the photographer gives a visit
-readonly hang_timeout=90  # what a visit may take when the photographer itself hangs
+readonly visit_timeout=150 # seconds; what the photographer gives a visit
+readonly hang_timeout=180  # what a visit may take when the photographer itself hangs
 readonly names=(en_us en_gb de es fr ja zh)
 readonly -A locales=([en_us]=en_US [en_gb]=en_GB [de]=de_DE [es]=es_ES [fr]=fr_FR [ja]=ja_JP [zh]=zh_CN)
 
@@ -36,6 +36,14 @@ say() { echo "screenshots: $*" >&2; }
 
 # shellcheck source=acceptance/wine_prefix.sh
 . "$root/acceptance/wine_prefix.sh"
+
+# Wine takes whatever other fonts a machine has for titles, and draws boxes where those have no letter.
+name_fonts() {
+    mkdir -p "$state"
+    printf '<fontconfig><dir>%s</dir><cachedir>%s</cachedir></fontconfig>\n' "${east_asian_font%/*}" "$state/fontcache" \
+        >"$state/fonts.conf"
+    export FONTCONFIG_FILE=$state/fonts.conf
+}
 
 registry() { # KEY NAME VALUE
     WINEPREFIX=$template timeout "$make_timeout" wine reg add "$1" /v "$2" /d "$3" /f >>"$state/template.log" 2>&1
@@ -202,9 +210,10 @@ if [ "${1-}" = --among-printers ]; then
     take_pictures "$@"
     exit
 fi
+name_fonts
 make_template
 dress_template
 languages=("$@")
 [ $# -gt 0 ] || languages=("${names[@]}")
 exec "$trk" network --printers samples/printers.json -- "$root/acceptance/take_screenshots.sh" --among-printers "${languages[@]}" \
-    2> >(grep -v '^network: printer ' >&2)
+    2> >(grep --line-buffered -v '^network: printer ' >&2)
