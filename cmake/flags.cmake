@@ -58,12 +58,13 @@ if(WIN32)
   string(REGEX REPLACE "\n *(SORT\\(\\*\\)\\(\\.idata\\$5\\))" "\n    KEEP (\\1)" script "${script}")
   file(CONFIGURE OUTPUT ${linker_script} CONTENT "${script}" @ONLY)
 
-  # No runtime library of the compiler, an image that may lie anywhere and whose data can't be run, and nothing in it
-  # that differs from one build to the next.
+  # No runtime library of the compiler and no start-up of its, an image that may lie anywhere and whose data can't be
+  # run, and nothing in it that differs from one build to the next.
   add_library(trk_windows_link INTERFACE)
   target_link_options(trk_windows_link INTERFACE
-    ${whole_program} -static -Wl,--gc-sections -Wl,-T,${linker_script} -Wl,--dynamicbase -Wl,--nxcompat
-    -Wl,--enable-reloc-section -Wl,--no-insert-timestamp -Wl,--strip-debug -Wl,--fatal-warnings
+    ${whole_program} -nostartfiles -static -Wl,--gc-sections -Wl,--default-script,${linker_script}
+    -Wl,--disable-auto-import -Wl,--dynamicbase -Wl,--nxcompat -Wl,--enable-reloc-section
+    -Wl,--no-insert-timestamp -Wl,--strip-debug -Wl,--fatal-warnings
     -Wl,--major-subsystem-version=6 -Wl,--minor-subsystem-version=0
     -Wl,--major-os-version=6 -Wl,--minor-os-version=0)
   if(CMAKE_SIZEOF_VOID_P EQUAL 8)

@@ -31,9 +31,9 @@ void PrintTo(const Built& built, std::ostream* out) {
 
 const Built programs[] = {
     {"i686", TRK_DIST "/trk_setup.exe", false, u"Vorlane Installer 32 --- ", u"Vorlane Installer 64 --- ",
-     86016},
+     80000},
     {"x86_64", TRK_DIST "/trk_setup64.exe", true, u"Vorlane Installer 64 --- ", u"Vorlane Installer 32 --- ",
-     88064},
+     88000},
 };
 
 struct Linked {
