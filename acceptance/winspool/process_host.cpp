@@ -108,6 +108,11 @@ bool SpoolerCall::fails(std::uint32_t default_error) {
     return fault != nullptr;
 }
 
+ToldSize SpoolerCall::told_size(std::size_t needed, std::size_t) {
+    const auto bytes = static_cast<std::uint32_t>(needed);
+    return {bytes, bytes};
+}
+
 BOOL SpoolerCall::refuse(const std::string& why) {
     note(std::string(host_->name) + "(" + host_->argument + "): " + why);
     return fail(ERROR_CALL_NOT_IMPLEMENTED);

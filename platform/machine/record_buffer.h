@@ -2,6 +2,8 @@
 // them, all in the caller's one buffer.
 #pragma once
 
+#include "machine/told_size.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -56,14 +58,15 @@ private:
     std::size_t text_bytes_ = 0;
 };
 
-// The records into the caller's buffer of `size` bytes, or false and the size that it must have. Both counts
-// are stored in any case; a buffer that is too small is poisoned.
+// The records into the caller's buffer of `size` bytes, or false. The size that it must have, which is
+// `told`.needed and no less than that of the records, and the count are stored in any case; a buffer that is
+// too small is poisoned.
 template<class Record, class Count>
 bool deliver_records(const RecordBuffer<Record>& records, void* buffer, Count size, Count* needed,
-                     Count* returned) {
-    *needed = static_cast<Count>(records.bytes());
+                     Count* returned, ToldSize told) {
+    *needed = static_cast<Count>(told.told);
     *returned = 0;
-    if (size < records.bytes()) {
+    if (size < told.needed) {
         if (buffer != nullptr)
             std::memset(buffer, 0xCD, size);
         return false;

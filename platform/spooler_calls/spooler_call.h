@@ -54,6 +54,8 @@ public:
     // Null, with ERROR_INVALID_HANDLE kept, when the handle isn't one of a queue, or of a monitor.
     std::shared_ptr<const OpenedPrinter> find(HANDLE handle, bool monitor);
     BOOL close(HANDLE handle); // any other handle is noted as misuse
+    // What to tell about the bytes that the call needs; `capacity` is the caller's.
+    ToldSize told_size(std::size_t needed, std::size_t capacity);
 
     // The rest is the same for both hosts.
     BOOL end(std::uint32_t error); // keeps the error; for 0 saves
@@ -67,8 +69,9 @@ public:
     template<class Record>
     BOOL deliver(const RecordBuffer<Record>& records, BYTE* buffer, DWORD size, DWORD* needed,
                  DWORD* returned) {
-        return deliver_records(records, buffer, size, needed, returned) ? TRUE
-                                                                        : fail(ERROR_INSUFFICIENT_BUFFER);
+        return deliver_records(records, buffer, size, needed, returned, told_size(records.bytes(), size))
+                   ? TRUE
+                   : fail(ERROR_INSUFFICIENT_BUFFER);
     }
 
 private:

@@ -77,5 +77,5 @@ DWORD GetFinalPathNameByHandleW(HANDLE handle, LPWSTR path, DWORD size, DWORD fl
         }
         final_path = platform::shown_path(real);
     }
-    return platform::fill_text(u"\\\\?\\" + final_path, path, size);
+    return platform::give_text(call, u"\\\\?\\" + final_path, path, size);
 }

@@ -26,7 +26,7 @@ DWORD GetCurrentDirectoryW(DWORD size, LPWSTR path) {
     platform::Call call("GetCurrentDirectoryW");
     if (call.fails(ERROR_NOT_ENOUGH_MEMORY))
         return 0;
-    return platform::fill_text(platform::session().machine.current_folder, path, size);
+    return platform::give_text(call, platform::session().machine.current_folder, path, size);
 }
 
 DWORD GetFileAttributesW(LPCWSTR path) {

@@ -82,11 +82,12 @@ DWORD GetAdaptersInfo(PIP_ADAPTER_INFO info, PULONG size) {
     const std::vector<platform::Adapter>& adapters = platform::session().machine.adapters;
     if (adapters.empty())
         return ERROR_NO_DATA;
-    const auto needed = static_cast<ULONG>(platform::bytes_needed(adapters));
-    if (info == nullptr || *size < needed) {
+    const platform::ToldSize answer =
+        call.size(platform::bytes_needed(adapters), info == nullptr ? 0 : *size);
+    if (info == nullptr || *size < answer.needed) {
         if (info != nullptr)
             std::memset(static_cast<void*>(info), 0xCD, *size);
-        *size = needed;
+        *size = answer.told;
         return ERROR_BUFFER_OVERFLOW;
     }
     platform::fill(info, adapters);

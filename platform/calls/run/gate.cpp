@@ -61,6 +61,19 @@ bool Gate::fails(std::size_t place, std::uint32_t default_error, std::uint32_t& 
     return true;
 }
 
+ToldSize Gate::size(std::size_t place, std::uint32_t needed, std::uint32_t capacity) {
+    ToldSize size{needed, needed};
+    if (!on_size)
+        return size;
+    JournalEntry entry;
+    {
+        const std::lock_guard lock(mutex_);
+        entry = shown(journal_[place]);
+    }
+    on_size(entry, capacity, size);
+    return size;
+}
+
 void Gate::stop_locked(const std::string& reason) {
     if (stopped_)
         return;
@@ -138,6 +151,11 @@ bool Call::fails(std::uint32_t default_error) {
         return false;
     set_last_error(error_);
     return true;
+}
+
+ToldSize Call::size(std::size_t needed, std::size_t capacity) const {
+    return session().gate.size(place_, static_cast<std::uint32_t>(needed),
+                               static_cast<std::uint32_t>(capacity));
 }
 
 void Call::refuse(const std::string& why) const {

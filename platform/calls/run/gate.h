@@ -3,6 +3,7 @@
 #pragma once
 
 #include "machine/fault_rules.h"
+#include "machine/told_size.h"
 
 #include <cstdint>
 #include <functional>
@@ -42,6 +43,8 @@ public:
     std::size_t enter(const char* call, std::string_view argument);
     // Whether a fault is due for the call at this place; the error is the fault's, else default_error.
     bool fails(std::size_t place, std::uint32_t default_error, std::uint32_t& error);
+    // What the call at this place, whose caller has room for `capacity`, answers to whom it needs `needed`.
+    ToldSize size(std::size_t place, std::uint32_t needed, std::uint32_t capacity);
 
     // Stops the run: every later call of any thread throws. The first reason stays.
     void stop(const std::string& reason);
@@ -62,6 +65,9 @@ public:
 
     // Called, when set, on the calling thread before a call does its work; for tests that act in mid-run.
     std::function<void(const JournalEntry&)> on_call;
+    // Called, when set, on the calling thread before a call tells a size; for tests in which the platform
+    // lies about sizes.
+    std::function<void(const JournalEntry&, std::uint32_t capacity, ToldSize&)> on_size;
 
 private:
     static constexpr std::size_t longest_run = 2'000'000; // calls; far above any run that ends by itself
@@ -100,6 +106,9 @@ public:
     // result is the code itself returns error().
     bool fails(std::uint32_t default_error);
     std::uint32_t error() const { return error_; }
+    // What to tell about the size that this call needs, in its own unit; `capacity` is the caller's, 0
+    // without a buffer.
+    ToldSize size(std::size_t needed, std::size_t capacity) const;
     [[noreturn]] void refuse(const std::string& why) const; // what the layer doesn't model
 
 private:

@@ -78,6 +78,10 @@ bool SpoolerCall::fails(std::uint32_t default_error) {
     return struck;
 }
 
+ToldSize SpoolerCall::told_size(std::size_t needed, std::size_t capacity) {
+    return host_->call.size(needed, capacity);
+}
+
 BOOL SpoolerCall::refuse(const std::string& why) {
     host_->call.refuse(why);
 }

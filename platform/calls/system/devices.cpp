@@ -139,9 +139,10 @@ BOOL SetupDiGetDeviceInterfaceDetailW(HDEVINFO handle, PSP_DEVICE_INTERFACE_DATA
         return failed(ERROR_INVALID_USER_BUFFER);
     const std::u16string& path = set->interfaces[index].device_path;
     const std::size_t bytes = (path.size() + 1) * sizeof(WCHAR);
+    const platform::ToldSize answer = call.size(path_at + bytes, size);
     if (required != nullptr)
-        *required = static_cast<DWORD>(path_at + bytes);
-    if (size < path_at + bytes) {
+        *required = answer.told;
+    if (size < answer.needed) {
         if (detail != nullptr)
             std::memset(detail->DevicePath, 0xCD, size - path_at);
         return failed(ERROR_INSUFFICIENT_BUFFER);
@@ -226,7 +227,7 @@ CONFIGRET CM_Get_Device_ID_Size(PULONG length, DEVINST device, ULONG flags) {
     const std::u16string text = device_id(device);
     if (text.empty())
         return CR_INVALID_DEVNODE;
-    *length = static_cast<ULONG>(text.size());
+    *length = call.size(text.size(), 0).told;
     return CR_SUCCESS;
 }
 

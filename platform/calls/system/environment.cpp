@@ -48,7 +48,7 @@ DWORD GetEnvironmentVariableW(LPCWSTR name, LPWSTR value, DWORD size) {
         return 0;
     const auto found = variable(name);
     if (found)
-        return platform::fill_text(*found, value, size);
+        return platform::give_text(call, *found, value, size);
     platform::set_last_error(ERROR_ENVVAR_NOT_FOUND);
     return 0;
 }
@@ -58,8 +58,12 @@ DWORD ExpandEnvironmentStringsW(LPCWSTR source, LPWSTR target, DWORD size) {
     if (call.fails(ERROR_NOT_ENOUGH_MEMORY))
         return 0;
     const std::u16string text = expanded(source);
-    platform::fill_text(text, target, size);
-    return static_cast<DWORD>(text.size()) + 1;
+    const platform::ToldSize answer = call.size(text.size() + 1, target == nullptr ? 0 : size);
+    if (size < answer.needed)
+        platform::poison_text(target, size);
+    else
+        platform::fill_text(text, target, size);
+    return answer.told;
 }
 
 LPWSTR GetCommandLineW() {

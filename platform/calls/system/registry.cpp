@@ -48,20 +48,21 @@ std::shared_ptr<RegistryKey> key_of(const platform::Call& call, HKEY key) {
 }
 
 // The bytes and the size of a value, by the rules for size queries and for buffers that are too small.
-LSTATUS give_value(const platform::RegistryValue& value, LPBYTE data, LPDWORD size) {
-    const auto needed = static_cast<DWORD>(value.data.size());
+LSTATUS give_value(const platform::Call& call, const platform::RegistryValue& value, LPBYTE data,
+                   LPDWORD size) {
     if (size == nullptr)
         return ERROR_SUCCESS;
     const DWORD capacity = *size;
-    *size = needed;
+    const platform::ToldSize answer = call.size(value.data.size(), data == nullptr ? 0 : capacity);
+    *size = answer.told;
     if (data == nullptr)
         return ERROR_SUCCESS;
-    if (capacity < needed) {
+    if (capacity < answer.needed) {
         std::memset(data, 0xCD, capacity);
         return ERROR_MORE_DATA;
     }
-    if (needed != 0)
-        std::memcpy(data, value.data.data(), needed);
+    if (!value.data.empty())
+        std::memcpy(data, value.data.data(), value.data.size());
     return ERROR_SUCCESS;
 }
 
@@ -109,7 +110,7 @@ LSTATUS RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type,
         return ERROR_FILE_NOT_FOUND;
     if (type != nullptr)
         *type = value->type;
-    return give_value(*value, data, size);
+    return give_value(call, *value, data, size);
 }
 
 // Closing can't be made to fail on demand: nobody could close the key after that.

@@ -242,9 +242,10 @@ BOOL EnumDependentServicesW(SC_HANDLE handle, DWORD state, LPENUM_SERVICE_STATUS
         found.text(&ENUM_SERVICE_STATUSW::lpServiceName, dependent->name);
         found.text(&ENUM_SERVICE_STATUSW::lpDisplayName, dependent->name);
     }
-    *needed = size < found.bytes() ? static_cast<DWORD>(found.bytes()) : 0;
+    const platform::ToldSize answer = call.size(found.bytes(), size);
+    *needed = size < answer.needed ? answer.told : 0;
     *returned = 0;
-    if (*needed != 0) {
+    if (size < answer.needed) {
         if (size != 0)
             std::memset(static_cast<void*>(records), 0xCD, size);
         return failed(ERROR_MORE_DATA);

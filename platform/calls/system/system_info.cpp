@@ -53,12 +53,12 @@ UINT GetWindowsDirectoryW(LPWSTR path, UINT size) {
     platform::Call call("GetWindowsDirectoryW");
     if (call.fails(ERROR_ACCESS_DENIED))
         return 0;
-    return platform::fill_text(platform::session().machine.folders.windows, path, size);
+    return platform::give_text(call, platform::session().machine.folders.windows, path, size);
 }
 
 UINT GetSystemDirectoryW(LPWSTR path, UINT size) {
     platform::Call call("GetSystemDirectoryW");
     if (call.fails(ERROR_ACCESS_DENIED))
         return 0;
-    return platform::fill_text(platform::session().machine.folders.windows + u"\\System32", path, size);
+    return platform::give_text(call, platform::session().machine.folders.windows + u"\\System32", path, size);
 }

@@ -20,4 +20,14 @@ std::uint32_t fill_text(std::u16string_view text, char16_t* buffer, std::uint32_
     return length;
 }
 
+std::uint32_t give_text(const Call& call, std::u16string_view text, char16_t* buffer, std::uint32_t size) {
+    const ToldSize answer = call.size(text.size() + 1, buffer == nullptr ? 0 : size);
+    if (buffer == nullptr || size < answer.needed) {
+        poison_text(buffer, size);
+        return answer.told;
+    }
+    fill_text(text, buffer, size);
+    return answer.told == 0 ? 0 : answer.told - 1;
+}
+
 } // namespace platform

@@ -219,7 +219,8 @@ int GetWindowTextLengthW(HWND window) {
     Call call("GetWindowTextLengthW", shown_window(window));
     if (call.fails(ERROR_INVALID_WINDOW_HANDLE) || !exists(window))
         return 0;
-    return static_cast<int>(send_message(window, WM_GETTEXTLENGTH, 0, 0));
+    const LRESULT length = send_message(window, WM_GETTEXTLENGTH, 0, 0);
+    return static_cast<int>(call.size(static_cast<std::size_t>(length), 0).told);
 }
 
 LONG_PTR SetWindowLongPtrW(HWND handle, int index, LONG_PTR value) {
