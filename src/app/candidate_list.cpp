@@ -3,9 +3,10 @@
 #include "discovery/network_search.h"
 #include "resources/resource_ids.h"
 #include "state/app_state.h"
-#include "support/dialog_text.h"
 #include "support/install_log.h"
 #include "support/text.h"
+
+#include <failed_step.h>
 
 #include <iterator>
 
@@ -52,12 +53,17 @@ int row_width(HWND list, const WCHAR* row) {
     return LOWORD(size) + row_edges;
 }
 
-// Rows stand in two columns until one of them needs the whole list's width.
+// Puts the next free record's row into the list; only then does the record count, since the selected row
+// tells which record is meant. Rows stand in two columns until one of them needs the whole list's width.
 void add_row(const WCHAR* row) {
     const HWND list = printer_list();
     if (row_width(list, row) > column_width(list, 2))
         set_columns(list, 1);
-    list_add(app.main_dialog, IDC_PRINTER_LIST, row);
+    const LRESULT index = SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(row));
+    if (index < 0 || (list == nullptr && app.main_dialog != nullptr))
+        step_failed(TEXT("adding a row to the list of printers"));
+    else
+        ++app.candidate_count;
 }
 
 } // namespace
@@ -105,7 +111,6 @@ void add_candidate(const char* address, const char* name) {
     WCHAR row[row_capacity];
     format_text(row, std::size(row), TEXT("%s\t%s"), candidate->address, candidate->printer_name);
     add_row(row);
-    ++app.candidate_count;
 }
 
 int candidate_known(const char* address) {
@@ -132,5 +137,4 @@ void add_usb_candidate(const WCHAR* port, const WCHAR* name) {
     WCHAR row[row_capacity];
     format_text(row, std::size(row), TEXT("USB\t%s"), candidate->printer_name);
     add_row(row);
-    ++app.candidate_count;
 }

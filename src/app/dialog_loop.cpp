@@ -1,10 +1,13 @@
 #include "app/dialog_loop.h"
 
 #include "state/app_state.h"
+#include "support/install_log.h"
 
 int pump_message() {
     MSG message;
     const BOOL taken = GetMessageW(&message, nullptr, 0, 0);
+    if (taken == -1)
+        log_failure(TEXT("GetMessage failed %d\r\n"), GetLastError());
     if (taken == 0 || taken == -1)
         return 0;
     if (IsWindow(app.main_dialog) && IsDialogMessageW(app.main_dialog, &message))

@@ -195,5 +195,8 @@ void enter_network_mode() {
 
 void clear_candidates() {
     list_clear(app.main_dialog, IDC_PRINTER_LIST);
-    app.candidate_count = 0;
+    if (SendDlgItemMessageW(app.main_dialog, IDC_PRINTER_LIST, LB_GETCOUNT, 0, 0) > 0)
+        step_failed(TEXT("emptying the list of printers")); // its rows need their records
+    else
+        app.candidate_count = 0;
 }

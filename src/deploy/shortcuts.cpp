@@ -62,9 +62,12 @@ int create_link_file(const WCHAR* target, const WCHAR* link_path, const WCHAR* d
         log_failure(TEXT("CoCreateInstance failed!\r\n"));
         return 0;
     }
-    link->SetPath(target);
-    link->SetWorkingDirectory(working_folder);
-    link->SetDescription(description);
+    // Saving decides: a link that lacks one of the three is still made.
+    const HRESULT set_path = link->SetPath(target);
+    const HRESULT set_folder = link->SetWorkingDirectory(working_folder);
+    const HRESULT set_description = link->SetDescription(description);
+    if (set_path < 0 || set_folder < 0 || set_description < 0)
+        step_failed(link_path);
     const int saved = save_link(link, link_path);
     link->Release();
     return saved;

@@ -120,6 +120,8 @@ int match_store_folder(HANDLE search, WIN32_FIND_DATAW* found, const char* inf_n
         log_line_within(search_line_capacity, TEXT("found %s\r\n%s\r\n"), found->cFileName, inf_path);
         return 1;
     } while (FindNextFileW(search, found));
+    if (GetLastError() != ERROR_NO_MORE_FILES)
+        step_failed(TEXT("listing the driver store"));
     return 0;
 }
 
@@ -153,8 +155,10 @@ int delete_folder_tree(const WCHAR* path) {
     // The shell takes a list of paths, which ends in one more NUL.
     const size_t capacity = length + 5;
     auto* list = static_cast<WCHAR*>(allocate_bytes(capacity * sizeof(WCHAR)));
-    if (list == nullptr)
+    if (list == nullptr) {
+        step_failed(path);
         return ERROR_NOT_ENOUGH_MEMORY;
+    }
     copy_text(list, capacity, path);
     SHFILEOPSTRUCTW operation = {};
     operation.wFunc = FO_DELETE;

@@ -7,6 +7,8 @@
 #include "support/system_text.h"
 #include "support/text.h"
 
+#include <failed_step.h>
+
 #include <iterator>
 
 namespace {
@@ -58,6 +60,12 @@ void append_system_text(WCHAR* message, size_t capacity, DWORD error) {
     LocalFree(text);
 }
 
+// Where no box comes up the log alone can tell.
+void show_box(const WCHAR* text, UINT flags) {
+    if (MessageBoxW(nullptr, text, app.message_caption, flags) == 0)
+        log_failure(TEXT("MessageBox failed %d\r\n"), GetLastError());
+}
+
 int clamp_to_screen(int position, int extent, int screen) {
     if (position < 0)
         position = 0;
@@ -69,7 +77,7 @@ int clamp_to_screen(int position, int extent, int screen) {
 int message_box_text(const WCHAR* text, UINT flags) {
     WCHAR shown[box_capacity];
     copy_text(shown, std::size(shown), text);
-    MessageBoxW(nullptr, shown, app.message_caption, flags);
+    show_box(shown, flags);
     return 1;
 }
 
@@ -77,6 +85,8 @@ int message_box_string(HINSTANCE module, UINT string_id, UINT flags) {
     LoadedString string;
     if (load_string(module, string_id, 0, &string) >= 1)
         message_box_text(string.text, flags);
+    else
+        step_failed(TEXT("loading a message's text"));
     return 1;
 }
 
@@ -91,7 +101,7 @@ int message_box_last_error(UINT string_id) {
     format_text(message, std::size(message), format, error);
     if (error != 0)
         append_system_text(message, std::size(message), error);
-    MessageBoxW(nullptr, message, app.message_caption, MB_TOPMOST);
+    show_box(message, MB_TOPMOST);
     return 1;
 }
 

@@ -12,7 +12,8 @@ struct TextPair {
     WORD control_id;
 };
 
-// Message boxes without owner, under app.message_caption. All give 1.
+// Message boxes without owner, under app.message_caption. All give 1. One that can't be shown leaves a line
+// in the log.
 int message_box_text(const WCHAR* text, UINT flags);                  // at most 513 characters
 int message_box_string(HINSTANCE module, UINT string_id, UINT flags); // a missing string shows nothing
 int message_box_last_error(UINT string_id); // the string is a format with one number; nothing when app.silent

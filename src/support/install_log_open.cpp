@@ -3,6 +3,7 @@
 #include "state/app_state.h"
 #include "support/text.h"
 
+#include <algorithm>
 #include <iterator>
 
 // Where the log lies and what may be opened there; its writing is install_log.cpp.
@@ -25,7 +26,7 @@ int read_machine_variable(HKEY key, const WCHAR* name, WCHAR (&value)[environmen
         RegQueryValueExW(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(value), &bytes);
     if (status != ERROR_SUCCESS || bytes == 0)
         return 0;
-    value[bytes / sizeof(WCHAR)] = 0;
+    value[std::min<DWORD>(bytes, environment_capacity * sizeof(WCHAR)) / sizeof(WCHAR)] = 0;
     return 1;
 }
 
