@@ -1,7 +1,7 @@
 # Two commands do everything on a fresh Debian 12: `make run` and `make test`. CMake presets stand behind them.
 JOBS ?= $(shell nproc)
 
-.PHONY: help run test wine wine32 screenshots pages pages-test times bench lint tsan fuzz windows linux install package try-package sign packages pictures catalogue best_fit format clean
+.PHONY: help run test wine wine32 screenshots pages pages-test times bench lint tsan fuzz sweep windows linux install package try-package sign packages pictures catalogue best_fit format clean
 .DEFAULT_GOAL := help
 
 help:
@@ -13,6 +13,7 @@ help:
 	@echo "make lint     the layout of the sources, and clang-tidy for some of them"
 	@echo "make tsan     the scenarios under ThreadSanitizer"
 	@echo "make fuzz     feed the readers with made-up bytes: SECONDS each (60), TARGETS (all of fuzz/corpus)"
+	@echo "make sweep    make every call of every road fail: RUNS of them (all), ROUNDS of installs and removals"
 	@echo "make pages    the sample's runs, findings and log as pages to look at, in build/pages"
 	@echo "make pages-test  look at them, and at hostile ones, in Chromium"
 	@echo "make times    where the time of the last builds, tests and runs went"
@@ -65,6 +66,15 @@ fuzz: packages
 	@mkdir -p build && cmake --preset fuzz >build/fuzz-configure.log
 	@cmake/timed.sh build-fuzz cmake --build --preset fuzz --parallel $(JOBS) --target trk_fuzz
 	@TRK_FUZZ_KEEP=$(FUZZ_KEEP) fuzz/run.sh $(SECONDS) $(TARGETS)
+
+# RUNS=1500 ROUNDS=150 takes half a minute and belongs to continuous integration; the whole takes an hour.
+sweep: RUNS ?= all
+sweep: ROUNDS ?= 10000
+sweep: packages
+	@mkdir -p build && cmake --preset test >build/test-configure.log
+	@cmake/timed.sh build-sweep cmake --build --preset test --parallel $(JOBS) \
+		--target trk_sweep $(if $(filter all,$(RUNS)),--target trk_rehearsal_tests)
+	@cmake/timed.sh sweep sweep/run.sh $(RUNS) $(ROUNDS)
 
 windows: packages
 	@cmake/build.sh $(JOBS) windows-i686 windows-x86_64
