@@ -1,69 +1,51 @@
 #include "acceptance/pilot/record.h"
 
+#include <nlohmann/json.hpp>
+
 namespace pilot {
 namespace {
 
-std::string quoted(const std::string& utf8) {
-    constexpr char digits[] = "0123456789abcdef";
-    std::string out = "\"";
-    for (const char byte : utf8) {
-        const auto code = static_cast<unsigned char>(byte);
-        if (code < 0x20) {
-            out += "\\u00";
-            out += digits[code >> 4];
-            out += digits[code & 15];
-            continue;
-        }
-        if (byte == '"' || byte == '\\')
-            out += '\\';
-        out += byte;
-    }
-    return out + '"';
-}
+using nlohmann::ordered_json;
 
-std::string word(bool value) {
-    return value ? "true" : "false";
-}
-
-template<class Items, class Form>
-std::string array(const Items& items, const char* separator, Form form) {
-    std::string out;
-    for (const auto& item : items)
-        out += (out.empty() ? "" : separator) + form(item);
-    return "[" + out + "]";
-}
-
-std::string control_text(const Control& control) {
-    std::string out = "{\"id\": " + std::to_string(control.id) + ", \"kind\": " + quoted(control.kind) +
-                      ", \"text\": " + quoted(control.text) + ", \"visible\": " + word(control.visible) +
-                      ", \"enabled\": " + word(control.enabled);
+ordered_json form(const Control& control) {
+    ordered_json out = {{"id", control.id},
+                        {"kind", control.kind},
+                        {"text", control.text},
+                        {"visible", control.visible},
+                        {"enabled", control.enabled}};
     if (control.kind == "check box")
-        out += ", \"checked\": " + word(control.checked);
-    if (control.kind == "list")
-        out += ", \"rows\": " + array(control.rows, ", ", quoted) +
-               ", \"selected\": " + std::to_string(control.selected);
-    return out + "}";
+        out["checked"] = control.checked;
+    if (control.kind == "list") {
+        out["rows"] = control.rows;
+        out["selected"] = control.selected;
+    }
+    return out;
 }
 
-std::string dialog_text(const Dialog& dialog) {
-    return "{\"caption\": " + quoted(dialog.caption) + ", \"visible\": " + word(dialog.visible) +
-           ", \"enabled\": " + word(dialog.enabled) +
-           ",\n   \"controls\": " + array(dialog.controls, ",\n    ", control_text) + "}";
-}
-
-std::string box_text(const Box& box) {
-    return "{\"text\": " + quoted(box.text) + ", \"caption\": " + quoted(box.caption) +
-           ", \"icon\": " + word(box.icon) + "}";
+ordered_json form(const Dialog& dialog) {
+    ordered_json controls = ordered_json::array();
+    for (const Control& control : dialog.controls)
+        controls.push_back(form(control));
+    return {{"caption", dialog.caption},
+            {"visible", dialog.visible},
+            {"enabled", dialog.enabled},
+            {"controls", std::move(controls)}};
 }
 
 } // namespace
 
 std::string record_text(const Scene& scene, const Ending& ending) {
-    return "{\"exit_code\": " + std::to_string(ending.exit_code) +
-           ",\n \"timed_out\": " + word(ending.timed_out) +
-           ",\n \"script_problem\": " + quoted(ending.script_problem) +
-           ",\n \"dialogs\": " + array(scene.dialogs(), ",\n  ", dialog_text) +
-           ",\n \"boxes\": " + array(scene.boxes(), ",\n  ", box_text) + "}\n";
+    ordered_json dialogs = ordered_json::array(), boxes = ordered_json::array();
+    for (const Dialog& dialog : scene.dialogs())
+        dialogs.push_back(form(dialog));
+    for (const Box& box : scene.boxes())
+        boxes.push_back({{"text", box.text}, {"caption", box.caption}, {"icon", box.icon}});
+    const ordered_json record = {{"exit_code", ending.exit_code},
+                                 {"timed_out", ending.timed_out},
+                                 {"script_problem", ending.script_problem},
+                                 {"dialogs", std::move(dialogs)},
+                                 {"boxes", std::move(boxes)}};
+    return record.dump(1, ' ', false, ordered_json::error_handler_t::replace) + "\n";
 }
 
 } // namespace pilot
