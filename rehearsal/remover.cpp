@@ -7,6 +7,7 @@
 #include "resources/resource_ids.h"
 #include "spooler/monitor_ports.h"
 #include "state/app_state.h"
+#include "state/names.h"
 #include "support/dialog_text.h"
 #include "support/install_log.h"
 #include "support/text.h"
@@ -17,8 +18,6 @@
 
 namespace rehearsal {
 namespace {
-
-constexpr WCHAR maker[] = TEXT("Vorlane");
 
 INT_PTR CALLBACK remover_proc(HWND, UINT, WPARAM, LPARAM) {
     return 0;
@@ -88,7 +87,7 @@ int remove_packages(const Removal& removal) {
 int remove_model(HINSTANCE instance, Removal& removal) {
     WCHAR install_folder[program_files_path_capacity];
     char model_name[256];
-    if (!build_program_files_path(install_folder, maker, removal.model.c_str()) ||
+    if (!build_program_files_path(install_folder, maker_name, removal.model.c_str()) ||
         !narrow(model_name, std::size(model_name), removal.model.c_str()))
         return 2;
     removal.install_folder = install_folder;
@@ -100,7 +99,7 @@ int remove_model(HINSTANCE instance, Removal& removal) {
     if (list_installed_printers(driver, nullptr, 0, delete_queues_and_ports, &connected, 0) != 0 ||
         !all_queues_gone(driver) || !remove_packages(removal))
         return 1;
-    return remove_installation(install_folder, maker, model_name) ? 0 : 1;
+    return remove_installation(install_folder, maker_name, model_name) ? 0 : 1;
 }
 
 } // namespace

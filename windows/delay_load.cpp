@@ -1,4 +1,5 @@
 // How the libraries that are loaded at their first use are found, and what the user sees when that fails.
+#include "resources/resource_ids.h"
 #include "support/text.h"
 
 #include <windows.h>
@@ -32,7 +33,7 @@ void report_and_end(const DelayLoadInfo* info, int function_missing) {
     else
         format_text(text, std::size(text), TEXT("This Windows is too old: %S has no function %u."),
                     info->szDll, info->dlp.dwOrdinal);
-    MessageBoxW(nullptr, text, TEXT("Vorlane Inc"), MB_TOPMOST | MB_ICONEXCLAMATION);
+    MessageBoxW(nullptr, text, TEXT(COMPANY_NAME), MB_TOPMOST | MB_ICONEXCLAMATION);
     ExitProcess(1);
 }
 

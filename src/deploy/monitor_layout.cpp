@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr const WCHAR* remover_rows[] = {TEXT("trk_remove64.exe"), remover_program};
+constexpr const WCHAR* remover_rows[] = {remover_program_64, remover_program};
 constexpr const WCHAR* tool_rows[] = {tools_program, TEXT("portlynx.exe"), TEXT("portlynx.inf"),
                                       TEXT("media.inf"), TEXT("settings.inf")};
 constexpr const WCHAR* library_rows[] = {TEXT("zelcore.dll"), TEXT("zelmodel.dat"), TEXT("zelmodel.dll"),

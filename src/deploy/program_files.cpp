@@ -24,9 +24,9 @@ struct PackageFile {
 };
 
 constexpr PackageFile program_rows[] = {
-    {TEXT("trk_remove64.exe"), 0, 0}, {remover_program, 0, 0},          {tools_program, 1, 0},
-    {TEXT("portlynx.exe"), 1, 0},     {TEXT("portlynx.inf"), 1, 0},     {TEXT("media.inf"), 0, 0},
-    {TEXT("settings.inf"), 0, 0},     {TEXT("profilenames.inf"), 0, 1},
+    {remover_program_64, 0, 0},   {remover_program, 0, 0},          {tools_program, 1, 0},
+    {TEXT("portlynx.exe"), 1, 0}, {TEXT("portlynx.inf"), 1, 0},     {TEXT("media.inf"), 0, 0},
+    {TEXT("settings.inf"), 0, 0}, {TEXT("profilenames.inf"), 0, 1},
 };
 constexpr PackageFile library_rows[] = {
     {TEXT("zelcore.dll"), 0, 0},

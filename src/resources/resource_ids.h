@@ -1,6 +1,9 @@
 // Ids of the templates, controls and strings. Read by the resource compiler too, hence plain macros.
 #pragma once
 
+// The same in every language, and shown where no string is at hand yet.
+#define COMPANY_NAME "Vorlane Inc"
+
 #define IDD_TERMS 101
 #define IDD_ADDRESS 104
 #define IDD_MAIN 105

@@ -8,4 +8,5 @@ constexpr WCHAR own_port_prefix[] = TEXT("TRK_");   // of this program's network
 constexpr WCHAR tools_folder[] = TEXT("wrenchbay"); // of the medium
 constexpr WCHAR tools_program[] = TEXT("wrenchbay.exe");
 constexpr WCHAR remover_program[] = TEXT("trk_remove.exe");
+constexpr WCHAR remover_program_64[] = TEXT("trk_remove64.exe");
 constexpr WCHAR driver_folder[] = TEXT("Drivers"); // of the medium
