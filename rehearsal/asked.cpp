@@ -3,6 +3,7 @@
 #include "calls/files/paths.h"
 #include "calls/run/session.h"
 #include "machine/text.h"
+#include "machine/whole_file.h"
 #include "package/media_table.h"
 #include "package/package_file.h"
 #include "rehearsal/log_follower.h"
@@ -10,8 +11,6 @@
 #include "state/app_state.h"
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 
 namespace rehearsal {
 namespace {
@@ -36,10 +35,7 @@ std::string selected_address(const std::vector<platform::DialogView>& dialogs) {
 
 // Past the gate, where a fault could strike.
 std::string read_medium_file(const std::u16string& path) {
-    std::ifstream stream(platform::real_path(path.c_str()).real, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << stream.rdbuf();
-    return bytes.str();
+    return platform::read_whole_file(platform::real_path(path.c_str()).real).value_or("");
 }
 
 } // namespace

@@ -1,11 +1,11 @@
 #include "rehearsal/machine_view.h"
 
 #include "calls/shell/link_reader.h"
+#include "machine/little_endian.h"
 #include "machine/text.h"
+#include "machine/whole_file.h"
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 
 namespace rehearsal {
 namespace {
@@ -20,11 +20,8 @@ bool holds(const std::vector<T>& all, const T& one) {
 std::string data_text(const platform::PrinterDataValue& value) {
     constexpr std::uint32_t number_type = 4;
     if (value.type == number_type && value.data.size() == 4)
-        return std::to_string(value.data[0] | value.data[1] << 8 | value.data[2] << 16 |
-                              static_cast<int>(static_cast<unsigned>(value.data[3]) << 24));
-    std::u16string text;
-    for (std::size_t place = 0; place + 1 < value.data.size(); place += 2)
-        text += static_cast<char16_t>(value.data[place] | value.data[place + 1] << 8);
+        return std::to_string(static_cast<std::int32_t>(platform::ByteReader(value.data).number(4)));
+    std::u16string text = platform::utf16_text(value.data);
     while (!text.empty() && text.back() == 0)
         text.pop_back();
     return to_utf8(text);
@@ -86,13 +83,6 @@ void print_link(std::ostream& out, const platform::LinkFile& link) {
         << to_utf8(link.working_folder) << ", \"" << to_utf8(link.description) << "\"\n";
 }
 
-std::string read_bytes(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << stream.rdbuf();
-    return bytes.str();
-}
-
 } // namespace
 
 std::string version_text(std::uint64_t version) {
@@ -103,7 +93,8 @@ std::string version_text(std::uint64_t version) {
 platform::LinkFile read_shortcut(const Outcome& outcome, const std::filesystem::path& drive_c,
                                  const std::string& path) {
     std::string reason;
-    return platform::read_link(read_bytes(on_linux(drive_c, path)), outcome.after.code_page, reason)
+    return platform::read_link(platform::read_whole_file(on_linux(drive_c, path)).value_or(""),
+                               outcome.after.code_page, reason)
         .value_or(platform::LinkFile{});
 }
 

@@ -1,5 +1,6 @@
 #include "machine/json_forms.h"
 
+#include "machine/little_endian.h"
 #include "machine/slp_agent.h"
 
 #include <algorithm>
@@ -77,14 +78,8 @@ bool is_text(std::uint32_t type) {
     return type == type_sz || type == type_expand_sz;
 }
 
-std::vector<std::uint8_t> text_bytes(std::u16string_view text) {
-    std::vector<std::uint8_t> bytes;
-    for (const char16_t c : text) {
-        bytes.push_back(static_cast<std::uint8_t>(c & 0xFF));
-        bytes.push_back(static_cast<std::uint8_t>(c >> 8));
-    }
-    bytes.insert(bytes.end(), 2, 0);
-    return bytes;
+std::vector<std::uint8_t> text_bytes(const std::u16string& text) {
+    return utf16_bytes(text + u'\0');
 }
 
 // The readable form of a value's bytes, or nothing when only "hex" gives them back exactly.
@@ -92,14 +87,10 @@ std::optional<Json> readable(std::uint32_t type, const std::vector<std::uint8_t>
     if (type == type_binary)
         return json_value(bytes);
     if (type == type_dword && bytes.size() == 4)
-        return bytes[0] | (std::uint32_t{bytes[1]} << 8) | (std::uint32_t{bytes[2]} << 16) |
-               (std::uint32_t{bytes[3]} << 24);
+        return ByteReader(bytes).number(4);
     if (!is_text(type) || bytes.size() < 2 || bytes.size() % 2 != 0)
         return std::nullopt;
-    std::u16string text;
-    for (std::size_t index = 0; index + 2 < bytes.size(); index += 2)
-        text += static_cast<char16_t>(bytes[index] | (bytes[index + 1] << 8));
-    const std::string utf8 = to_utf8(text);
+    const std::string utf8 = to_utf8(utf16_text(std::span(bytes).first(bytes.size() - 2)));
     const bool exact = text_bytes(to_utf16(utf8)) == bytes;
     return exact ? std::optional<Json>(utf8) : std::nullopt;
 }
@@ -111,9 +102,7 @@ std::vector<std::uint8_t> bytes_of(const JsonPlace& place, std::uint32_t type) {
         from_json_value(place, text);
         bytes = text_bytes(to_utf16(text));
     } else if (type == type_dword) {
-        const std::uint32_t number = number_from_json(place, UINT32_MAX);
-        for (int shift = 0; shift < 32; shift += 8)
-            bytes.push_back(static_cast<std::uint8_t>(number >> shift));
+        append_number(bytes, static_cast<std::uint32_t>(number_from_json(place, UINT32_MAX)));
     } else {
         from_json_value(place, bytes);
     }

@@ -28,8 +28,28 @@ std::u16string utf16_text(std::span<const std::uint8_t> bytes) {
     return text;
 }
 
-std::u16string utf16_text(std::string_view bytes) {
-    return utf16_text(bytes_of(bytes));
+std::u16string utf16_text(std::string_view bytes, std::endian order) {
+    std::u16string text = utf16_text(bytes_of(bytes));
+    if (order == std::endian::big)
+        for (char16_t& unit : text)
+            unit = static_cast<char16_t>((unit >> 8) | (unit << 8));
+    return text;
+}
+
+std::string utf16_file(std::u16string_view text) {
+    const std::vector<std::uint8_t> bytes = utf16_bytes(text);
+    return "\xFF\xFE" + std::string(bytes.begin(), bytes.end());
+}
+
+std::optional<std::uint32_t> number_at(std::string_view bytes, std::size_t place, unsigned size) {
+    if (place > bytes.size() || bytes.size() - place < size)
+        return std::nullopt;
+    return ByteReader(bytes.substr(place)).number(size);
+}
+
+void append_number(std::vector<std::uint8_t>& bytes, std::uint32_t value) {
+    for (int shift = 0; shift < 32; shift += 8)
+        bytes.push_back(static_cast<std::uint8_t>(value >> shift));
 }
 
 ByteReader::ByteReader(std::string_view bytes) : bytes_(bytes_of(bytes)) {}

@@ -1,8 +1,10 @@
 // Little-endian numbers and 16-bit text, as the platform's files, blocks and registry values hold them.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -13,7 +15,12 @@ namespace platform {
 // UTF-16LE, without a terminator unless the text has one. Of bytes an odd one at the end is left out.
 std::vector<std::uint8_t> utf16_bytes(std::u16string_view text);
 std::u16string utf16_text(std::span<const std::uint8_t> bytes);
-std::u16string utf16_text(std::string_view bytes);
+std::u16string utf16_text(std::string_view bytes, std::endian order = std::endian::little);
+std::string utf16_file(std::u16string_view text); // UTF-16LE behind its mark
+
+// Of 1 to 4 bytes; nothing when some of them lie beyond the end.
+std::optional<std::uint32_t> number_at(std::string_view bytes, std::size_t place, unsigned size);
+void append_number(std::vector<std::uint8_t>& bytes, std::uint32_t value); // 4 bytes
 
 // Reads from a block in order. What the block is too short for reads as zero, and is noted; a reader made
 // with a routine has that called first, which may throw.

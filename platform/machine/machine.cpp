@@ -1,4 +1,5 @@
 #include "machine/machine.h"
+#include "machine/little_endian.h"
 
 #include <string_view>
 
@@ -14,13 +15,7 @@ constexpr std::uint32_t running = 4;
 constexpr std::uint32_t stopped = 1;
 
 RegistryValue expandable(std::u16string_view text) {
-    RegistryValue value{expandable_text, {}};
-    for (const char16_t c : text) {
-        value.data.push_back(static_cast<std::uint8_t>(c & 0xFF));
-        value.data.push_back(static_cast<std::uint8_t>(c >> 8));
-    }
-    value.data.insert(value.data.end(), 2, 0);
-    return value;
+    return {expandable_text, utf16_bytes(std::u16string(text) + u'\0')};
 }
 
 Service spooler_service() {

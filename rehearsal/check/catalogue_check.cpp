@@ -1,6 +1,7 @@
 // The signature catalogue of each driver package: that it lists the package as it is on the medium, and that
 // its signature is one that systems can accept. Whether they trust who signed it is theirs to say.
 #include "machine/inf_package.h"
+#include "machine/little_endian.h"
 #include "machine/text.h"
 #include "rehearsal/check/catalogue_digest.h"
 #include "rehearsal/check/catalogue_file.h"
@@ -33,13 +34,13 @@ struct SignedInf {
 };
 
 std::u16string inf_letters(std::string_view bytes) {
-    std::u16string text;
     if (bytes.starts_with("\xEF\xBB\xBF"))
         return platform::to_utf16(bytes.substr(3));
-    const std::size_t step = bytes.starts_with("\xFF\xFE") ? 2 : 1;
-    for (std::size_t at = step == 2 ? 2 : 0; at + step <= bytes.size(); at += step)
-        text += static_cast<char16_t>(static_cast<unsigned char>(bytes[at]) |
-                                      (step == 2 ? static_cast<unsigned char>(bytes[at + 1]) << 8 : 0));
+    if (bytes.starts_with("\xFF\xFE"))
+        return platform::utf16_text(bytes.substr(2));
+    std::u16string text;
+    for (const char letter : bytes)
+        text += static_cast<unsigned char>(letter);
     return text;
 }
 

@@ -1,4 +1,5 @@
 #include "rehearsal/check/catalogue_digest.h"
+#include "machine/little_endian.h"
 
 #include <openssl/evp.h>
 
@@ -21,14 +22,7 @@ constexpr std::size_t table_entry = std::size_t{4} * 8;
 constexpr std::uint32_t magic_32 = 0x10B;
 constexpr std::uint32_t magic_64 = 0x20B;
 
-std::optional<std::uint32_t> number_at(std::string_view bytes, std::size_t place, std::size_t size) {
-    if (place > bytes.size() || bytes.size() - place < size)
-        return std::nullopt;
-    std::uint32_t number = 0;
-    for (std::size_t i = size; i > 0; --i)
-        number = number << 8 | static_cast<unsigned char>(bytes[place + i - 1]);
-    return number;
-}
+using platform::number_at;
 
 // What an image digest leaves out.
 struct ImageParts {

@@ -1,5 +1,7 @@
 #include "rehearsal/check/catalogue_file.h"
 
+#include "machine/little_endian.h"
+#include "machine/text.h"
 #include "rehearsal/check/catalogue_der.h"
 #include "rehearsal/check/catalogue_openssl.h"
 
@@ -20,32 +22,10 @@ constexpr std::string_view indirect_data = "1.3.6.1.4.1.311.2.1.4";
 constexpr std::size_t sha1_size = 20;
 constexpr std::size_t sha256_size = 32;
 
-void append_utf8(std::string& text, char32_t character) {
-    if (character < 0x80) {
-        text += static_cast<char>(character);
-    } else if (character < 0x800) {
-        text += static_cast<char>(0xC0 | (character >> 6));
-        text += static_cast<char>(0x80 | (character & 0x3F));
-    } else {
-        text += static_cast<char>(0xE0 | (character >> 12));
-        text += static_cast<char>(0x80 | ((character >> 6) & 0x3F));
-        text += static_cast<char>(0x80 | (character & 0x3F));
-    }
-}
-
-// 16-bit text up to its terminator, if it has one, as UTF-8. Halves of a pair don't occur in names of files
-// and systems; each becomes a replacement character.
-std::string utf8(std::string_view bytes, bool big_endian) {
-    std::string text;
-    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-        const auto first = static_cast<unsigned char>(bytes[i]);
-        const auto second = static_cast<unsigned char>(bytes[i + 1]);
-        const auto character = static_cast<char32_t>(big_endian ? first << 8 | second : second << 8 | first);
-        if (character == 0)
-            break;
-        append_utf8(text, character >= 0xD800 && character < 0xE000 ? U'\uFFFD' : character);
-    }
-    return text;
+// 16-bit text up to its terminator, if it has one, as UTF-8.
+std::string utf8(std::string_view bytes, std::endian order) {
+    const std::u16string text = platform::utf16_text(bytes, order);
+    return platform::to_utf8(text.substr(0, text.find(u'\0')));
 }
 
 int digit_value(char digit) {
@@ -80,7 +60,7 @@ std::optional<CatalogueAttribute> read_name_and_value(DerItems items) {
     const auto value = parts.next(der_tag::octets);
     if (!name || !flags || !value)
         return std::nullopt;
-    return CatalogueAttribute{utf8(name->body, true), utf8(value->body, false)};
+    return CatalogueAttribute{utf8(name->body, std::endian::big), utf8(value->body, std::endian::little)};
 }
 
 // SEQUENCE { SEQUENCE { kind, ... }, SEQUENCE { algorithm, OCTET STRING digest } }: the digest, or an empty
@@ -121,7 +101,8 @@ std::optional<CatalogueMember> read_member(const DerItem& item) {
         return std::nullopt;
     CatalogueMember member;
     const bool plain = identifier->body.size() == sha1_size || identifier->body.size() == sha256_size;
-    member.digest = plain ? std::string(identifier->body) : octets_of(utf8(identifier->body, false));
+    member.digest =
+        plain ? std::string(identifier->body) : octets_of(utf8(identifier->body, std::endian::little));
     if (const auto attributes = parts.next(der_tag::set)) {
         DerItems all(attributes->body);
         while (const auto attribute = all.next(der_tag::sequence))

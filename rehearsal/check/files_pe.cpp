@@ -1,4 +1,5 @@
 #include "rehearsal/check/files_pe.h"
+#include "machine/little_endian.h"
 
 #include <cstddef>
 
@@ -10,14 +11,9 @@ constexpr std::size_t machine_place = 4;          // behind "PE\0\0"
 constexpr std::size_t characteristics_place = 22;
 constexpr std::uint16_t is_library = 0x2000;
 
-// Little-endian; 0 beyond the end.
-std::uint32_t number_at(std::string_view bytes, std::size_t place, std::size_t width) {
-    std::uint32_t number = 0;
-    if (place > bytes.size() || bytes.size() - place < width)
-        return 0;
-    for (std::size_t i = width; i-- > 0;)
-        number = number << 8 | static_cast<unsigned char>(bytes[place + i]);
-    return number;
+// 0 beyond the end.
+std::uint32_t number_at(std::string_view bytes, std::size_t place, unsigned size) {
+    return platform::number_at(bytes, place, size).value_or(0);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "rehearsal/check/inf_view.h"
 
 #include "calls/text/ansi_text.h"
+#include "machine/little_endian.h"
 #include "machine/text.h"
 #include "package/driver_inf.h"
 #include "rehearsal/check/program_view.h"
@@ -40,13 +41,8 @@ SetupReading read_as_setup(const WCHAR* path) {
 
 // UTF-16 and UTF-8 by their marks, all else in the ANSI code page, as the system does it.
 std::u16string decoded_inf(std::string_view bytes) {
-    if (bytes.starts_with("\xFF\xFE")) {
-        std::u16string text;
-        for (std::size_t i = 2; i + 1 < bytes.size(); i += 2)
-            text.push_back(static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
-                                                 static_cast<unsigned char>(bytes[i + 1]) << 8));
-        return text;
-    }
+    if (bytes.starts_with("\xFF\xFE"))
+        return platform::utf16_text(bytes.substr(2));
     return bytes.starts_with("\xEF\xBB\xBF") ? platform::to_utf16(bytes.substr(3))
                                              : platform::from_ansi(bytes);
 }

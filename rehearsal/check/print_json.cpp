@@ -14,16 +14,9 @@ std::string written(const Json& json) {
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
-const char* sarif_level(Severity severity) {
-    switch (severity) {
-    case Severity::error:
-        return "error";
-    case Severity::warning:
-        return "warning";
-    case Severity::note:
-        return "note";
-    }
-    return "none";
+// SARIF's word for what can't be judged here is its own.
+std::string sarif_level(Severity severity) {
+    return severity == Severity::note ? "note" : name_of(severity);
 }
 
 // A path as a relative reference (RFC 3986): what isn't unreserved is written as %XX.

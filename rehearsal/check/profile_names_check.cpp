@@ -1,5 +1,6 @@
 // The support tools' names of the print profiles, wrenchbay/profilenames.inf. The setup copies the file when
 // it is there and reads nothing of it; the tools find an entry as package/profile_names does.
+#include "machine/little_endian.h"
 #include "machine/text.h"
 #include "rehearsal/check/settings_text.h"
 #include "rehearsal/check/subjects.h"
@@ -81,10 +82,7 @@ void ProfileNames::check() {
         return;
     if (const char* const fault = encoding_fault(); fault != nullptr)
         return findings_.add("profile-names-encoding", {file_.path}, fault);
-    std::u16string text;
-    for (std::size_t at = 2; at + 1 < bytes_.size(); at += 2)
-        text += static_cast<char16_t>(static_cast<unsigned char>(bytes_[at]) |
-                                      static_cast<unsigned char>(bytes_[at + 1]) << 8);
+    const std::u16string text = platform::utf16_text(std::string_view(bytes_).substr(2));
     for (std::size_t begin = 0; begin < text.size();) {
         const std::size_t end = std::min(text.find_first_of(u"\r\n", begin), text.size());
         const std::size_t end_characters = text.compare(end, 2, u"\r\n") == 0 ? 2 : end < text.size() ? 1 : 0;

@@ -1,15 +1,14 @@
 #include "rehearsal/check/program_view.h"
 
 #include "calls/run/session.h"
+#include "machine/whole_file.h"
 #include "rehearsal/embedded_resources.h"
 #include "state/app_state.h"
 #include "support/install_log.h"
 
 #include <windows.h>
 
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <stdexcept>
 
 namespace fs = std::filesystem;
@@ -41,12 +40,6 @@ void renew_program() {
     std::construct_at(&app);
 }
 
-std::string read_all(const fs::path& file) {
-    std::ostringstream bytes;
-    bytes << std::ifstream(file, std::ios::binary).rdbuf();
-    return bytes.str();
-}
-
 class NobodyThere : public platform::User {
 public:
     bool act() override { return false; }
@@ -70,7 +63,7 @@ std::string with_program(const Medium& medium, const std::function<void()>& read
         CloseHandle(app.log_handle);
     }
     renew_program();
-    return read_all(drive.path / "Windows" / "Temp" / "check.log");
+    return platform::read_whole_file(drive.path / "Windows" / "Temp" / "check.log").value_or("");
 }
 
 } // namespace rehearsal::check

@@ -1,6 +1,7 @@
 // The agreement that the user has to accept, licenses/license*.txt.
 #include "app/terms_page.h"
 
+#include "machine/little_endian.h"
 #include "machine/text.h"
 #include "package/languages.h"
 #include "rehearsal/check/settings_check.h"
@@ -66,8 +67,7 @@ std::string terms_path(int language) {
 }
 
 char16_t unit_at(std::string_view bytes, std::size_t at) {
-    return static_cast<char16_t>(static_cast<unsigned char>(bytes[at]) |
-                                 static_cast<unsigned char>(bytes[at + 1]) << 8);
+    return static_cast<char16_t>(platform::number_at(bytes, at, 2).value_or(0));
 }
 
 // 8-bit text has no zero bytes; in 16-bit text of any language, line ends and blanks have them, first or

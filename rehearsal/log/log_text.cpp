@@ -1,6 +1,7 @@
 #include "rehearsal/log/log_text.h"
 
 #include "calls/text/code_page_table.h"
+#include "machine/little_endian.h"
 #include "machine/text.h"
 #include "rehearsal/log_follower.h"
 
@@ -8,16 +9,6 @@ namespace rehearsal::logs {
 namespace {
 
 constexpr std::uint32_t utf8_page = 65001;
-
-std::string from_utf16_bytes(std::string_view bytes, bool big_endian) {
-    std::u16string text;
-    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-        const auto first = static_cast<unsigned char>(bytes[i]);
-        const auto second = static_cast<unsigned char>(bytes[i + 1]);
-        text += static_cast<char16_t>(big_endian ? first << 8 | second : second << 8 | first);
-    }
-    return platform::to_utf8(text);
-}
 
 } // namespace
 
@@ -27,9 +18,9 @@ bool code_page_is_known(std::uint32_t code_page) {
 
 std::string decode_log(std::string_view bytes, std::uint32_t code_page) {
     if (bytes.starts_with("\xFF\xFE"))
-        return from_utf16_bytes(bytes.substr(2), false);
+        return platform::to_utf8(platform::utf16_text(bytes.substr(2)));
     if (bytes.starts_with("\xFE\xFF"))
-        return from_utf16_bytes(bytes.substr(2), true);
+        return platform::to_utf8(platform::utf16_text(bytes.substr(2), std::endian::big));
     if (bytes.starts_with("\xEF\xBB\xBF")) {
         bytes.remove_prefix(3);
         code_page = utf8_page;

@@ -1,6 +1,7 @@
 // The files of a skeleton. Comments stand only where the setup's readers pass them over: in the INF nowhere
 // between what they look for, in media.inf in front of the table alone, in settings.inf and portlynx.inf on
 // lines of their own.
+#include "machine/little_endian.h"
 #include "machine/text.h"
 #include "rehearsal/new/languages.h"
 #include "rehearsal/new/new_medium.h"
@@ -41,15 +42,11 @@ std::string short_name(const std::string& model) {
     return name;
 }
 
-std::string utf16_file(const std::u16string& text) {
-    std::string bytes = "\xFF\xFE";
-    for (const char16_t c : text) {
-        if (c == u'\n')
-            bytes += std::string("\r\0", 2);
-        bytes += static_cast<char>(c & 0xff);
-        bytes += static_cast<char>(c >> 8);
-    }
-    return bytes;
+std::string wide_file(const std::u16string& text) {
+    std::u16string lines;
+    for (const char16_t c : text)
+        lines += c == u'\n' ? std::u16string(u"\r\n") : std::u16string(1, c);
+    return platform::utf16_file(lines);
 }
 
 constexpr char inf_form[] = R"(; Driver package of the @model@ series, 32-bit and 64-bit systems.
@@ -163,7 +160,7 @@ std::string profile_names(const NewOptions& options) {
     for (const SkeletonLanguage* language : chosen_languages(options))
         text += u"[" + std::u16string(language->own_name) + u"]\n" +
                 platform::to_utf16(short_name(options.model)) + u"_fine=" + language->profile_name + u"\n";
-    return utf16_file(text);
+    return wide_file(text);
 }
 
 std::string refuse_name(const std::string& name, const std::string& what) {
@@ -209,7 +206,7 @@ std::vector<SkeletonFile> skeleton_files(const NewOptions& options, const std::s
     };
     for (const SkeletonLanguage* language : chosen_languages(options))
         files.push_back({std::string("licenses/") + language->terms_file,
-                         utf16_file(std::u16string(language->terms) + u"\n")});
+                         wide_file(std::u16string(language->terms) + u"\n")});
     return files;
 }
 

@@ -1,9 +1,10 @@
 #include "rehearsal/pages/dialog_layouts.h"
 
+#include "machine/little_endian.h"
+#include "machine/whole_file.h"
 #include "rehearsal/embedded_resources.h"
 #include "rehearsal/pages/base64.h"
 
-#include <fstream>
 #include <iterator>
 #include <map>
 #include <span>
@@ -22,9 +23,7 @@ struct Resources {
 };
 
 Resources::Resources() {
-    std::ifstream file(embedded_resources(), std::ios::binary);
-    const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
-    const std::span<const char> all(bytes);
+    const std::string all = platform::read_whole_file(embedded_resources()).value_or("");
     for (platform::ResourceEntry& entry :
          platform::read_resource_file({reinterpret_cast<const std::uint8_t*>(all.data()), all.size()})) {
         if (entry.type.id == dialog_type)
@@ -39,16 +38,8 @@ const Resources& resources() {
     return all;
 }
 
-std::uint32_t number(std::span<const std::uint8_t> bytes, std::size_t place, std::size_t size) {
-    std::uint32_t value = 0;
-    for (std::size_t i = size; i-- > 0;)
-        value = value << 8 | bytes[place + i];
-    return value;
-}
-
-void append_number(std::vector<std::uint8_t>& bytes, std::uint32_t value) {
-    for (int shift = 0; shift < 32; shift += 8)
-        bytes.push_back(static_cast<std::uint8_t>(value >> shift));
+std::uint32_t number(std::span<const std::uint8_t> bytes, std::size_t place, unsigned size) {
+    return platform::ByteReader(bytes.subspan(place)).number(size);
 }
 
 // A resource has no BITMAPFILEHEADER, which tells a file's size and where the pixels begin: behind
@@ -62,9 +53,9 @@ std::vector<std::uint8_t> bitmap_file(std::span<const std::uint8_t> bitmap) {
     if (colours == 0 && depth <= 8)
         colours = 1U << depth;
     std::vector<std::uint8_t> file{'B', 'M'};
-    append_number(file, static_cast<std::uint32_t>(file_header + bitmap.size()));
-    append_number(file, 0);
-    append_number(file, file_header + header + 4 * colours);
+    platform::append_number(file, static_cast<std::uint32_t>(file_header + bitmap.size()));
+    platform::append_number(file, 0);
+    platform::append_number(file, file_header + header + 4 * colours);
     file.insert(file.end(), bitmap.begin(), bitmap.end());
     return file;
 }

@@ -1,6 +1,7 @@
 // Registry values for a machine's description.
 #pragma once
 
+#include "machine/little_endian.h"
 #include "machine/machine.h"
 
 #include <string_view>
@@ -8,10 +9,7 @@
 // Without a terminator, as some writers leave their texts.
 inline platform::RegistryValue text_value(std::u16string_view text) {
     platform::RegistryValue value;
-    for (const char16_t letter : text) {
-        value.data.push_back(static_cast<std::uint8_t>(letter & 0xff));
-        value.data.push_back(static_cast<std::uint8_t>(letter >> 8));
-    }
+    value.data = platform::utf16_bytes(text);
     return value;
 }
 

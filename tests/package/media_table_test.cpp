@@ -1,4 +1,5 @@
 #include "harness/test_session.h"
+#include "machine/little_endian.h"
 #include "package/media_table.h"
 
 #include <winspool.h>
@@ -41,10 +42,7 @@ struct Queue : TestSession {
 };
 
 std::string data_text(const platform::PrinterDataValue& value) {
-    std::u16string text;
-    for (std::size_t i = 0; i + 1 < value.data.size(); i += 2)
-        text += static_cast<char16_t>(value.data[i] | value.data[i + 1] << 8);
-    return platform::to_utf8(text);
+    return platform::to_utf8(platform::utf16_text(value.data));
 }
 
 } // namespace

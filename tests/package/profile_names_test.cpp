@@ -1,4 +1,5 @@
 #include "harness/test_session.h"
+#include "machine/little_endian.h"
 #include "package/profile_names.h"
 
 #include <gtest/gtest.h>
@@ -8,12 +9,7 @@ namespace {
 // A file behind its mark.
 struct Profiles : TestSession {
     explicit Profiles(const std::u16string& text, const std::string& tail = {}) {
-        std::string bytes = "\xff\xfe";
-        for (const char16_t unit : text) {
-            bytes += static_cast<char>(unit & 0xff);
-            bytes += static_cast<char>(unit >> 8);
-        }
-        write(medium / "wrenchbay" / "profilenames.inf", bytes + tail);
+        write(medium / "wrenchbay" / "profilenames.inf", platform::utf16_file(text) + tail);
     }
 };
 

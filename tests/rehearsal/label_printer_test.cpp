@@ -3,11 +3,11 @@
 #include "rehearsal/label_printer.h"
 
 #include "harness/test_session.h"
+#include "machine/whole_file.h"
 
 #include <gtest/gtest.h>
 
 #include <arpa/inet.h>
-#include <fstream>
 #include <map>
 #include <netinet/in.h>
 #include <sstream>
@@ -177,9 +177,7 @@ TEST(LabelPrinter, TakesJobsOneAfterTheOther) {
     EXPECT_NE(lines.str().find("job 1 from 127.0.0.1: 11 bytes\njob 2 from 127.0.0.1: 0 bytes\n"),
               std::string::npos)
         << lines.str();
-    std::ostringstream saved;
-    saved << std::ifstream(folder.path / "job-1.raw").rdbuf();
-    EXPECT_EQ(saved.str(), "first label");
+    EXPECT_EQ(platform::read_whole_file(folder.path / "job-1.raw"), "first label");
 }
 
 TEST(LabelPrinter, IsNotSetUpWhereItCouldReachOthers) {

@@ -1,3 +1,4 @@
+#include "machine/little_endian.h"
 #include "scenarios/scenario.h"
 
 #include <gtest/gtest.h>
@@ -38,12 +39,7 @@ const Language languages[] = {
 
 // The agreement as it stands in its file, which is UTF-16 behind its mark.
 std::string agreement(const std::filesystem::path& file) {
-    const std::string bytes = TestSession::read(file);
-    std::u16string text;
-    for (std::size_t i = 2; i + 1 < bytes.size(); i += 2)
-        text += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
-                                      static_cast<unsigned char>(bytes[i + 1]) << 8);
-    return platform::to_utf8(text);
+    return platform::to_utf8(platform::utf16_text(TestSession::read(file)).substr(1));
 }
 
 class Languages : public testing::TestWithParam<bool> {};

@@ -2,6 +2,7 @@
 #include "spooler/tcp_port.h"
 
 #include "harness/test_session.h"
+#include "machine/little_endian.h"
 #include "machine/port_blocks.h"
 
 #include <algorithm>
@@ -121,10 +122,8 @@ public:
     }
 
     ExpectedBlock& text(std::size_t offset, std::u16string_view value) {
-        for (const char16_t letter : value) {
-            bytes[offset++] = static_cast<std::uint8_t>(letter & 0xff);
-            bytes[offset++] = static_cast<std::uint8_t>(letter >> 8);
-        }
+        std::ranges::copy(platform::utf16_bytes(value),
+                          std::next(bytes.begin(), static_cast<std::ptrdiff_t>(offset)));
         return *this;
     }
 

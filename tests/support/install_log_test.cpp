@@ -1,5 +1,6 @@
 #include "calls/run/failed_steps.h"
 #include "harness/test_session.h"
+#include "machine/little_endian.h"
 #include "support/install_log.h"
 
 #include <gtest/gtest.h>
@@ -13,12 +14,7 @@ constexpr const char16_t* environment_key =
 
 platform::RegistryValue text_value(const std::u16string& text, std::size_t terminators = 1,
                                    std::uint32_t type = 2) {
-    platform::RegistryValue value{type, {}};
-    for (const char16_t unit : text + std::u16string(terminators, 0)) {
-        value.data.push_back(static_cast<std::uint8_t>(unit & 0xff));
-        value.data.push_back(static_cast<std::uint8_t>(unit >> 8));
-    }
-    return value;
+    return {type, platform::utf16_bytes(text + std::u16string(terminators, 0))};
 }
 
 // A log in the folder that the test prepared, opened the way the program does.

@@ -1,5 +1,6 @@
 // The table of log lines against the program's sources and against its page, and the codes against the
 // platform's headers.
+#include "machine/whole_file.h"
 #include "rehearsal/log/errors.h"
 #include "rehearsal/log/lines.h"
 
@@ -7,7 +8,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <regex>
 #include <set>
@@ -20,9 +20,7 @@ namespace {
 const fs::path source_root = fs::path(TRK_SAMPLE_MEDIUM).parent_path().parent_path();
 
 std::string read_text(const fs::path& file) {
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    return text.str();
+    return platform::read_whole_file(file).value_or("");
 }
 
 // What writes to the log, and which of its arguments, from 0, is the text. `enumerate` hands its opening line

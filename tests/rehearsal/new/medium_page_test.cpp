@@ -1,5 +1,6 @@
 // docs/medium.md against the program: its examples make one distribution folder that installs, and each of
 // its traps is put into its example and read by the program's own reader.
+#include "machine/little_endian.h"
 #include "machine/text.h"
 #include "package/driver_inf.h"
 #include "package/media_table.h"
@@ -127,12 +128,7 @@ std::string bytes_of(const Example& example, const std::string& text) {
     const std::string lines = replaced(text, "\n", "\r\n");
     if (!example.wide)
         return lines;
-    std::string bytes = "\xFF\xFE";
-    for (const char16_t c : platform::to_utf16(lines)) {
-        bytes += static_cast<char>(c & 0xff);
-        bytes += static_cast<char>(c >> 8);
-    }
-    return bytes;
+    return platform::utf16_file(platform::to_utf16(lines));
 }
 
 // What each reader takes from its file, in the page's words. In a session over the medium.
