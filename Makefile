@@ -17,7 +17,7 @@ help:
 	@echo "make pages    the sample's runs, findings and log as pages to look at, in build/pages"
 	@echo "make pages-test  look at them, and at hostile ones, in Chromium"
 	@echo "make times    where the time of the last builds, tests and runs went"
-	@echo "make bench    how the cost of trk grows with its work"
+	@echo "make bench    what the program and trk cost, as a table with peers and goals"
 	@echo "make windows  the two Windows programs and the library, stripped, in dist/"
 	@echo "make linux    the rehearsal tool alone, in build/linux"
 	@echo "make install  trk with manual pages, samples and docs, below PREFIX (/usr/local)"
@@ -43,9 +43,11 @@ run: linux
 times:
 	@cmake/times.sh
 
-# Ends in 1 when a figure misses its goal.
-bench: linux
-	@bench/growth.py build/linux/rehearsal/trk
+# SUBJECTS names the wanted ones of bench/speed.py. Ends in 1 when a figure misses its goal.
+bench: windows
+	@cmake/install_packages.sh debian-packages-bench.txt
+	@cmake/build.sh $(JOBS) bench
+	@bench/speed.py build/bench $(SUBJECTS)
 
 # SECONDS bounds what clang-tidy may take beside the files that were changed.
 lint: SECONDS ?= 60

@@ -1,33 +1,14 @@
-#!/usr/bin/env python3
-"""Prints how the cost of trk grows with its work: processor seconds at a quarter, a half and the whole of each
-subject, and the ratio of the last two steps, which is 2 where the cost is linear.
-
-growth.py TRK [SUBJECT]...   with TRK the built tool. Ends in 1 when a figure misses its goal."""
+"""How the cost of trk grows with its work: the processor seconds of each subject and of its half, and their ratio,
+which is 2 where the cost is linear."""
 import json
-import os
 import shutil
-import sys
 import tempfile
 from pathlib import Path
 
-SAMPLES = Path(__file__).resolve().parent.parent / "samples"
-MEMORY = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None  # no disk's moods in the figures
+from table import MEMORY, SAMPLES, run
+
 RATIO_GOAL = 2.4
 SECONDS_GOAL = 2.0
-
-
-def run(command, good=(0,)):
-    """The processor seconds of a process, which has to end in a status of `good`."""
-    child = os.fork()
-    if child == 0:
-        null = os.open(os.devnull, os.O_WRONLY)
-        os.dup2(null, 1)
-        os.dup2(null, 2)
-        os.execv(command[0], [str(word) for word in command])
-    _, status, usage = os.wait4(child, 0)
-    if os.waitstatus_to_exitcode(status) not in good:
-        sys.exit(f"growth.py: status {os.waitstatus_to_exitcode(status)} of: {' '.join(map(str, command))}")
-    return usage.ru_utime + usage.ru_stime
 
 
 def write_machine(folder, **parts):
@@ -45,7 +26,7 @@ def copy_medium(folder):
 def install(trk, folder, medium, good=(0,), **parts):
     machine = write_machine(folder, **parts)
     script = SAMPLES / "install.actions"
-    return run([trk, "rehearse", "--quiet", "--machine", machine, "--script", script, medium], good)
+    return run([trk, "rehearse", "--quiet", "--machine", machine, "--script", script, medium], good)[0]
 
 
 def profile_files(trk, folder, count):
@@ -67,7 +48,7 @@ def removed_queues(trk, folder, count):
         spooler["queues"].append({**queue, "name": f"Queue {number}", "port": name})
         spooler["ports"].append({**port, "name": name})
     file.write_text(json.dumps(machine))
-    return run([trk, "remove", "--quiet", "--machine", file])
+    return run([trk, "remove", "--quiet", "--machine", file])[0]
 
 
 def inf_models(trk, folder, count):
@@ -131,22 +112,8 @@ def measure(trk, subject, size):
     return min(seconds)
 
 
-def main():
-    trk = Path(sys.argv[1]).resolve()
-    wanted = sys.argv[2:]
-    met = True
-    print(f"{'growth, processor seconds':30} {'n':>8} {'2n':>8} {'4n':>8} {'ratio':>6} {'goal':>6}  met")
+def growth(table, build, _):
+    trk = build / "rehearsal/trk"
     for name, (subject, size) in SUBJECTS.items():
-        if wanted and not any(word in name for word in wanted):
-            continue
-        cost = [measure(trk, subject, size // part) for part in (4, 2, 1)]
-        ratio = cost[2] / cost[1]
-        good = ratio <= RATIO_GOAL and cost[2] < SECONDS_GOAL
-        met = met and good
-        print(f"{name:30} {cost[0]:8.3f} {cost[1]:8.3f} {cost[2]:8.3f} {ratio:6.2f} {RATIO_GOAL:6.1f}"
-              f"  {'yes' if good else 'no'}", flush=True)
-    return 0 if met else 1
-
-
-if __name__ == "__main__":
-    sys.exit(main())
+        half, whole = (measure(trk, subject, size // part) for part in (2, 1))
+        table.row(f"growth, against the half: {name}, s", whole, RATIO_GOAL, half, ".3f", whole < SECONDS_GOAL)
