@@ -1,12 +1,11 @@
 // Runs a target over every file below folders: fuzz_replay TARGET FOLDER... An input that once was a finding,
 // or that reaches a place that no other does, is so looked at again with each run of the tests.
 #include "fuzz/targets.h"
+#include "machine/whole_file.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 
 namespace {
 
@@ -17,10 +16,9 @@ std::size_t replay(const fuzz::Target& target, const std::filesystem::path& fold
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
         if (!entry.is_regular_file())
             continue;
-        std::ifstream file(entry.path(), std::ios::binary);
-        const std::string input{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
         std::cout << entry.path().string()
                   << std::endl; // the last one told is the one that ended the process
+        const std::string input = platform::read_whole_file(entry.path()).value();
         target.run(input);
         // Starts of it too: most faults of readers are at an end that comes too early.
         for (std::size_t size = 0; size < input.size(); size += 1 + input.size() / most_starts)

@@ -3,12 +3,14 @@
 // itself. The keys are thrown away, so that nobody can sign anything else in their name; each run gives
 // another signature.
 #include "catalogue_writer.h"
+#include "machine/whole_file.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
+#include <optional>
+#include <stdexcept>
 
 namespace fs = std::filesystem;
 
@@ -28,8 +30,10 @@ std::vector<catalogue::ListedFile> files_of(const fs::path& folder, const std::s
     std::sort(paths.begin(), paths.end());
     std::vector<catalogue::ListedFile> files;
     for (const fs::path& path : paths) {
-        std::ifstream stream(path, std::ios::binary);
-        files.push_back({path.filename().string(), std::string(std::istreambuf_iterator<char>(stream), {})});
+        std::optional<std::string> bytes = platform::read_whole_file(path);
+        if (!bytes)
+            throw std::runtime_error(path.string() + " can't be read");
+        files.push_back({path.filename().string(), *std::move(bytes)});
     }
     return files;
 }
