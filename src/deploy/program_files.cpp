@@ -147,7 +147,7 @@ int make_start_menu_group(const Deployment* deployment, const WCHAR* driver_name
 // Two NUL characters behind the text, as the shell's lists of paths want them; null when there is no memory.
 WCHAR* copy_for_shell(const WCHAR* text) {
     const size_t capacity = text_length(text) + 2;
-    auto* copy = static_cast<WCHAR*>(allocate_bytes(capacity * sizeof(WCHAR)));
+    WCHAR* const copy = allocate_characters(capacity);
     if (copy != nullptr)
         copy_text(copy, capacity, text);
     return copy;

@@ -61,7 +61,7 @@ int inspect_interface(const Walk* walk, SP_DEVICE_INTERFACE_DATA* data, DWORD in
         log_line(TEXT("device id size fail\r\n"));
         return 0;
     }
-    auto* parent_id = static_cast<WCHAR*>(allocate_bytes((size_t{length} + 1) * sizeof(WCHAR)));
+    WCHAR* const parent_id = allocate_characters(size_t{length} + 1);
     if (parent_id == nullptr)
         return 0;
     const int fetched = CM_Get_Device_IDW(parent, parent_id, length + 1, 0) == CR_SUCCESS;

@@ -154,7 +154,7 @@ int delete_folder_tree(const WCHAR* path) {
         return ERROR_INVALID_NAME;
     // The shell takes a list of paths, which ends in one more NUL.
     const size_t capacity = length + 5;
-    auto* list = static_cast<WCHAR*>(allocate_bytes(capacity * sizeof(WCHAR)));
+    WCHAR* const list = allocate_characters(capacity);
     if (list == nullptr) {
         step_failed(path);
         return ERROR_NOT_ENOUGH_MEMORY;

@@ -35,7 +35,7 @@ int load_string(HINSTANCE module, UINT string_id, int line_end, LoadedString* st
 // never yields more than one character.
 WCHAR* allocate_widened(const char* text) {
     const size_t capacity = ansi_length(text) + 1;
-    WCHAR* wide = static_cast<WCHAR*>(allocate_bytes(capacity * sizeof(WCHAR)));
+    WCHAR* const wide = allocate_characters(capacity);
     if (wide != nullptr)
         widen(wide, capacity, text);
     return wide;
@@ -45,7 +45,7 @@ WCHAR* allocate_widened(const char* text) {
 WCHAR* allocate_control_text(HWND item, size_t extra, size_t* capacity) {
     const int length = GetWindowTextLengthW(item);
     *capacity = static_cast<size_t>(length > 0 ? length : 0) + 1 + extra;
-    WCHAR* text = static_cast<WCHAR*>(allocate_bytes(*capacity * sizeof(WCHAR)));
+    WCHAR* const text = allocate_characters(*capacity);
     if (text != nullptr)
         GetWindowTextW(item, text, static_cast<int>(*capacity - extra));
     return text;

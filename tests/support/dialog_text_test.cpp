@@ -1,6 +1,7 @@
 #include "harness/test_session.h"
 #include "resources/resource_ids.h"
 #include "support/dialog_text.h"
+#include "support/memory.h"
 
 #include <gtest/gtest.h>
 
@@ -40,6 +41,13 @@ std::vector<std::string> rows_of(HWND dialog) {
 }
 
 constexpr UINT missing = 9999;
+
+TEST(Memory, RoomThatCantBeCountedIsNone) {
+    TestSession test;
+    test.start();
+    for (const std::size_t count : {std::size_t{0}, SIZE_MAX / 2 + 1, SIZE_MAX})
+        EXPECT_EQ(allocate_characters(count), nullptr) << count;
+}
 
 } // namespace
 

@@ -90,6 +90,6 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
          format_text, format_text_list, compose_text, format_ansi, scan_numbers, scan_number, text_length,
          ansi_length, copy_text, append_text, copy_ansi, whole_ansi_length, widen, narrow, narrow_name,
          find_text, find_ansi, find_in_names, replace_in_name, same_text, change_case, blank_controls,
-         starts_with, ansi_starts_with, is_plain_name, allocate_bytes, release_bytes);
+         starts_with, ansi_starts_with, is_plain_name, allocate_bytes, allocate_characters, release_bytes);
     return 0;
 }
