@@ -17,7 +17,7 @@ if [ "$runs" = all ]; then
     "$program" || status=1
     "$program" --soak "$rounds" &
     soak=$!
-    TRK_ALL_CUTS=1 build/test/tests/trk_rehearsal_tests --gtest_brief=1 --gtest_filter='*CutOff' || status=1
+    TRK_ALL_CUTS=1 build/test/tests/trk_rehearsal_tests --gtest_brief=1 --gtest_filter='CutOff.*' || status=1
     wait "$soak" || status=1
 else
     "$program" --sample "$runs" || status=1
