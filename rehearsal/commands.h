@@ -17,6 +17,7 @@ void add_log(CLI::App& app, int& status);
 void add_new(CLI::App& app, int& status);
 void add_facts(CLI::App& app, int& status);
 void add_check(CLI::App& app, int& status);
+void add_matrix(CLI::App& app, int& status);
 void add_profiles(CLI::App& app, int& status);
 
 // For the sub-commands that work on a machine file.

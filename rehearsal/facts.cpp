@@ -8,13 +8,12 @@
 #include "rehearsal/machine_view.h"
 #include "rehearsal/medium_driver.h"
 #include "rehearsal/program_run.h"
+#include "rehearsal/temporary_folder.h"
 #include "rehearsal/users.h"
 
 #include <algorithm>
 #include <sstream>
 #include <stdexcept>
-
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -55,24 +54,6 @@ void read_driver(MediumFacts& facts, const check::Medium& medium) {
     facts.usb = driver->usb;
     read_models(facts, medium);
 }
-
-// A folder for one installation's drive C.
-class InstallDrive {
-public:
-    InstallDrive() {
-        std::string name = (fs::temp_directory_path() / "trk-facts-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr)
-            throw std::runtime_error("no temporary folder can be made");
-        path = name;
-    }
-    ~InstallDrive() {
-        std::error_code ignored;
-        fs::remove_all(path, ignored);
-    }
-    InstallDrive(const InstallDrive&) = delete;
-    InstallDrive& operator=(const InstallDrive&) = delete;
-    fs::path path;
-};
 
 std::vector<Action> install_actions(bool usb) {
     std::vector<std::string> lines = {"press 1016", std::string("type 1000 ") + example_address,
@@ -178,15 +159,15 @@ void take_files(MediumFacts& facts, const Outcome& outcome, const fs::path& driv
 MediumFacts collect_facts(const fs::path& medium) {
     MediumFacts facts;
     read_driver(facts, check::Medium(medium));
-    const InstallDrive drive;
-    const Outcome outcome = install_from(medium, facts.usb, drive.path);
-    const Verdict verdict = judge_install(outcome, medium, drive.path);
+    const TemporaryFolder drive("trk-facts");
+    const Outcome outcome = install_from(medium, facts.usb, drive.path());
+    const Verdict verdict = judge_install(outcome, medium, drive.path());
     facts.failures = verdict.complaints;
     facts.failures.insert(facts.failures.end(), verdict.missing.begin(), verdict.missing.end());
     if (verdict.status != ended_well)
         return facts;
     take_spooler(facts, outcome);
-    take_files(facts, outcome, drive.path);
+    take_files(facts, outcome, drive.path());
     return facts;
 }
 

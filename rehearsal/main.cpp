@@ -41,6 +41,7 @@ int main(int argc, char** argv) {
     rehearsal::add_new(app, status);
     rehearsal::add_facts(app, status);
     rehearsal::add_check(app, status);
+    rehearsal::add_matrix(app, status);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -164,6 +164,20 @@ void prepare_drive(const platform::Machine& machine, const fs::path& drive_c) {
         make_folder(drive_c, folder);
 }
 
+void choose_program(const platform::Machine& machine, ProgramRun& run) {
+    if (machine.system == platform::System::x86 ||
+        platform::same_name(machine.program_name, platform::sibling_name))
+        return;
+    run.program_bits = 32;
+    run.hand_over = true;
+    const bool known =
+        std::any_of(machine.child_programs.begin(), machine.child_programs.end(), [](const auto& child) {
+            return platform::same_name(child.name, platform::sibling_name);
+        });
+    std::error_code ignored;
+    run.lend_sibling = known && !fs::exists(run.medium / platform::to_utf8(platform::sibling_name), ignored);
+}
+
 Outcome run_program(const ProgramRun& run, platform::Machine& machine, platform::User& user,
                     LogFollower& log) {
     Outcome outcome;

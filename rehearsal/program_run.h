@@ -39,6 +39,11 @@ struct ProgramRun {
     std::function<void()> finished; // called at the end of the run, still inside the session; may be empty
 };
 
+// What a user starts is trk_setup.exe, unless the machine names its sibling. On a 64-bit system it hands over
+// to the sibling beside it; a medium that has none yet borrows the one of this project, unless the machine is
+// told to have none. Sets the run's program by its medium.
+void choose_program(const platform::Machine& machine, ProgramRun& run);
+
 // Runs the program from its entry point on. The machine is changed in place; `log` has the run's lines
 // afterwards. What the user did and saw (boxes, problem) is the caller's to add to the outcome.
 Outcome run_program(const ProgramRun& run, platform::Machine& machine, platform::User& user,

@@ -99,28 +99,15 @@ std::unique_ptr<ViewedUser> choose_user(const RehearseOptions& options, Terminal
     return std::make_unique<ScriptUser>(view, std::vector<Action>{});
 }
 
-// What a user starts is trk_setup.exe, unless the machine file names its sibling. On a 64-bit system it hands
-// over to the sibling beside it; a medium that has none yet borrows the one of this project, unless the
-// machine is told to have none.
-void choose_program(const RehearseOptions& options, const platform::Machine& machine, ProgramRun& program) {
-    if (machine.system == platform::System::x86 ||
-        platform::same_name(machine.program_name, platform::sibling_name))
+// A sibling that isn't on the medium is told of.
+void note_lent_sibling(const ProgramRun& program) {
+    if (!program.lend_sibling)
         return;
-    program.program_bits = 32;
-    program.hand_over = true;
     const std::string name = platform::to_utf8(platform::sibling_name);
-    const bool known =
-        std::any_of(machine.child_programs.begin(), machine.child_programs.end(), [](const auto& child) {
-            return platform::same_name(child.name, platform::sibling_name);
-        });
     std::error_code ignored;
-    if (!known || fs::exists(options.medium / name, ignored))
-        return;
-    program.lend_sibling = true;
-    const fs::path built = fs::path("dist") / name;
     std::cerr << "trk: note: the medium has no " << name << ", which a 64-bit system needs; "
-              << (fs::exists(built, ignored) ? "that of dist stands in for it"
-                                             : "the rehearsal stands in for it")
+              << (fs::exists(fs::path("dist") / name, ignored) ? "that of dist stands in for it"
+                                                               : "the rehearsal stands in for it")
               << "\n";
 }
 
@@ -134,7 +121,8 @@ Outcome run(const RehearseOptions& options, platform::Machine& machine, Surround
     program.medium = options.medium;
     program.command_line = options.command_line;
     program.real_time = true;
-    choose_program(options, machine, program);
+    choose_program(machine, program);
+    note_lent_sibling(program);
     program.finished = [&view] { view.look(); };
     Outcome outcome = run_program(program, machine, *user, view.log);
     outcome.boxes = user->boxes;

@@ -3,6 +3,7 @@
 #include "calls/run/session.h"
 #include "machine/whole_file.h"
 #include "rehearsal/embedded_resources.h"
+#include "rehearsal/temporary_folder.h"
 #include "state/app_state.h"
 #include "support/install_log.h"
 
@@ -15,25 +16,6 @@ namespace fs = std::filesystem;
 
 namespace rehearsal::check {
 namespace {
-
-// Drive C for the time of a reading.
-class ScratchDrive {
-public:
-    ScratchDrive() {
-        std::string name = (fs::temp_directory_path() / "trk-check-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr)
-            throw std::runtime_error("no temporary folder can be made");
-        path = name;
-        fs::create_directories(path / "Windows" / "Temp");
-    }
-    ~ScratchDrive() {
-        std::error_code ignored;
-        fs::remove_all(path, ignored);
-    }
-    ScratchDrive(const ScratchDrive&) = delete;
-    ScratchDrive& operator=(const ScratchDrive&) = delete;
-    fs::path path;
-};
 
 void renew_program() {
     std::destroy_at(&app);
@@ -48,9 +30,10 @@ public:
 } // namespace
 
 std::string with_program(const Medium& medium, const std::function<void()>& read, platform::Machine machine) {
-    const ScratchDrive drive;
+    const TemporaryFolder drive("trk-check");
+    fs::create_directories(drive.path() / "Windows" / "Temp");
     platform::SessionOptions options;
-    options.drive_c = drive.path;
+    options.drive_c = drive.path();
     options.medium = fs::absolute(medium.folder());
     options.resources = embedded_resources();
     NobodyThere user;
@@ -63,7 +46,7 @@ std::string with_program(const Medium& medium, const std::function<void()>& read
         CloseHandle(app.log_handle);
     }
     renew_program();
-    return platform::read_whole_file(drive.path / "Windows" / "Temp" / "check.log").value_or("");
+    return platform::read_whole_file(drive.path() / "Windows" / "Temp" / "check.log").value_or("");
 }
 
 } // namespace rehearsal::check

@@ -100,6 +100,13 @@ void put_choice(Html& html, const FilterChoice& choice) {
         html.put("span", {{"class", "count"}}, std::to_string(choice.count));
 }
 
+void put_list(Html& html, const FilterList& list) {
+    const auto select = html.in("select", {{"data-key", list.key}, {"aria-label", list.label}});
+    html.put("option", {{"value", ""}}, list.label + ": all");
+    for (const std::string& value : list.values)
+        html.put("option", {{"value", value}}, value);
+}
+
 } // namespace
 
 std::string_view tone_class(Tone tone) {
@@ -124,12 +131,15 @@ std::string page_text(const Page& page) {
     return out;
 }
 
-void put_filters(Html& html, std::string_view target, const std::vector<FilterChoice>& choices) {
+void put_filters(Html& html, std::string_view target, const std::vector<FilterChoice>& choices,
+                 const std::vector<FilterList>& lists) {
     const auto bar = html.in(
         "div",
         {{"class", "filters"}, {"role", "group"}, {"aria-label", "What is shown"}, {"data-filters", target}});
     for (const FilterChoice& choice : choices)
         put_choice(html, choice);
+    for (const FilterList& list : lists)
+        put_list(html, list);
     html.single(
         "input",
         {{"type", "search"}, {"aria-label", "Words to look for"}, {"placeholder", "Filter by words"}});

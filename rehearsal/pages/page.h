@@ -43,8 +43,16 @@ struct FilterChoice {
     bool ticked = true;
 };
 
+// A list of values of which an entry must have the chosen one in its data-KEY.
+struct FilterList {
+    std::string key;
+    std::string label;
+    std::vector<std::string> values;
+};
+
 // Filters for what lies in the element of that id, and a field for words that an entry must have in it.
-void put_filters(Html& html, std::string_view target, const std::vector<FilterChoice>& choices);
+void put_filters(Html& html, std::string_view target, const std::vector<FilterChoice>& choices,
+                 const std::vector<FilterList>& lists = {});
 
 // A table's head.
 void put_table_head(Html& html, std::initializer_list<std::string_view> titles);

@@ -24,11 +24,15 @@ cp -r samples/medium "$work/spoilt"
 sed -i 's/^Class=/Class = /' "$work/spoilt/Drivers/lbl.inf"
 sed -i 's/100\.0/100,0/' "$work/spoilt/wrenchbay/media.inf"
 rm "$work/spoilt/wrenchbay/wrenchbay.exe"
+cp -r samples/medium "$work/without-terms"
+rm "$work/without-terms/licenses/license_DEU.txt"
 cp samples/machines/two_printers.json "$work/machine.json"
 quietly rehearse --machine "$work/machine.json" --script samples/install.actions samples/medium
 quietly rehearse --machine "$work/machine.json" --script samples/install.actions \
     --html "$folder/spoilt.html" "$work/spoilt"
 quietly check --html "$folder/check.html" samples/medium
 quietly check --html "$folder/check-spoilt.html" "$work/spoilt"
+quietly matrix --faults some --only 'de/x64,ja/x86/vista' --html "$folder/matrix.html" samples/medium
+quietly matrix --only 'fr/*/7,de/x86' --html "$folder/matrix-spoilt.html" "$work/without-terms"
 quietly log --html "$folder/log.html" "$work/machine.json.drive-c/Windows/Temp/trk_install.log"
 echo "pages of the sample: $folder"

@@ -175,6 +175,7 @@ async function tryPage(browser) {
   if (!/^(install|address)-(?!german)/.test(path.basename(file)))
     for (const attempt of [tryThemes, tryLinks, tryFilters, tryKeyboard, tryPaper]) await attempt();
   for (const box of await page.locator('input[value=unseen]').all()) await box.check();
+  await page.evaluate(() => document.querySelectorAll('details').forEach(details => { details.open = true; }));
   for (const width of [1280, 400]) {
     await page.setViewportSize({width, height: 900});
     for (const text of await page.evaluate(overflowing)) expect(false, `${width} pixels: ${text}`);

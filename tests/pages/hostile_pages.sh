@@ -34,6 +34,10 @@ cp samples/medium/Drivers/lbl.inf "$medium/Drivers/lbl.inf"
 rm "$medium/Drivers/<img"*
 run "$folder/hostile-printer.html" "$medium"
 quietly check --html "$folder/hostile-check.html" "$medium"
+"$trk" matrix --format json --only '*/x64/7/D/usb/CopyFileW' samples/medium |
+    sed 's/"\(medium\|driver\|language\|system\|road\|fault\|verdict\|box\)": "/&<script>pwned=1<\/script><img src=x>/; s/^    "/&<svg onload=pwned=1>/' \
+        >"$work/matrix.json"
+quietly matrix --merge "$work/matrix.json" --html "$folder/hostile-matrix.html"
 log="$work/<b>log"
 {
     cat "$work/<b>machine.json.drive-c/Windows/Temp/trk_install.log"

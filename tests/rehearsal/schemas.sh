@@ -38,6 +38,11 @@ sed 's/^CopyFiles/Copied/' medium/Drivers/lbl.inf >broken/Drivers/lbl.inf
 "$trk" log --json --explain install.log >log.explained.json || test $? -eq 1
 tail -c 700 install.log | head -c 500 | "$trk" log --json - >log.cut.json || test $? -eq 1
 
+# With silent failures, and a part whose runs fail.
+"$trk" matrix --format json --only 'de/x64/7/D/network/*Printer*' medium >matrix.faults.json
+! "$trk" matrix --format json --shard 1/4 --only ja/x86/7 broken >matrix.shard.json
+grep -q '"silent"' matrix.faults.json
+
 # One process for all: the validator takes longer to start than to judge.
 python3 -W ignore - "$source/docs/schema" <<'END'
 import copy, glob, json, sys
@@ -49,7 +54,7 @@ def validator_of(name):
     jsonschema.Draft202012Validator.check_schema(schema)
     return jsonschema.Draft202012Validator(schema)
 
-kinds = ["findings", "machine", "report", "facts", "log"]
+kinds = ["findings", "machine", "report", "facts", "log", "matrix"]
 validators = {kind: validator_of(kind) for kind in kinds}
 failed = False
 
@@ -107,9 +112,13 @@ for kind, name, path, to in [
     ("log", "log.explained.json", ("runs", 1, "failed_steps", 0, "error", "code"), -1),
     ("log", "log.explained.json", ("runs", 0, "lines", 0, "known"), None),
     ("log", "log.explained.json", ("runs", 0, "verdict"), "fine"),
+    ("matrix", "matrix.faults.json", ("results", 0, "ending"), "fine"),
+    ("matrix", "matrix.faults.json", ("results", 0, "stayed", 0), 1),
+    ("matrix", "matrix.faults.json", ("results", 0, "again"), None),
+    ("matrix", "matrix.faults.json", ("results", 0, "state"), "F"),
 ]:
     refused(kind, name, *path, to=to)
-for kind in ["findings", "report", "facts", "log"]:
+for kind in ["findings", "report", "facts", "log", "matrix"]:
     name = next(name for name in values if name.startswith(kind))
     refused(kind, name, "schema", to="other")
 sys.exit(failed)

@@ -127,7 +127,7 @@ TEST_F(Pages, TellARunFromTheFirstActionToWhatItLeft) {
 
 TEST_F(Pages, SayNothingInMarkupWhateverStandsInTheirFields) {
     ASSERT_EQ(run(TRK_HOSTILE_PAGES " " + trk + " " + (folder.path / "pages").string()), 0) << read("out");
-    for (const char* name : {"install", "printer", "check", "log"}) {
+    for (const char* name : {"install", "printer", "check", "log", "matrix"}) {
         const std::string page = read("pages/hostile-" + std::string(name) + ".html");
         expect_whole(page, name);
         EXPECT_NE(page.find("&lt;script&gt;pwned=1&lt;/script&gt;"), page.npos) << name;
@@ -142,7 +142,7 @@ TEST_F(Pages, AreWrittenWholeOrRefusedWithTheReason) {
     EXPECT_EQ(run(trk + " check" + html + medium), 0);
     expect_whole(read("page.html"), "check");
     const std::string nowhere = (folder.path / "none/page.html").string();
-    for (const std::string& command : std::vector<std::string>{"check", "rehearse", "log"}) {
+    for (const std::string& command : std::vector<std::string>{"check", "rehearse", "log", "matrix"}) {
         const std::string subject = command == "log" ? log : medium;
         EXPECT_EQ(run(trk + " " + command + " --html " + nowhere + " " + subject), 2) << command;
         EXPECT_NE(read("out").find(nowhere), std::string::npos) << read("out");
