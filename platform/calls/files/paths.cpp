@@ -24,16 +24,21 @@ struct Mount {
     bool read_only = false;
 };
 
-// The medium goes before drive C, which it may lie on.
-std::vector<Mount> mounts() {
-    const Session& now = session();
-    std::vector<Mount> all;
-    if (!now.options.medium.empty()) {
-        const PlainPath place = plain_path(now.machine.current_folder.c_str());
-        all.push_back({place.drive, place.names, now.options.medium, true});
+// The medium goes before drive C, which it may lie on. A run leaves both where they are.
+struct Mounts {
+    Mounts() {
+        const Session& now = session();
+        if (!now.options.medium.empty()) {
+            const PlainPath place = plain_path(now.machine.current_folder.c_str());
+            all.push_back({place.drive, place.names, now.options.medium, true});
+        }
+        all.push_back({u'C', {}, now.options.drive_c, false});
     }
-    all.push_back({u'C', {}, now.options.drive_c, false});
-    return all;
+    std::vector<Mount> all;
+};
+
+const std::vector<Mount>& mounts() {
+    return session().area<Mounts>().all;
 }
 
 bool begins_with(const Names& names, const Names& start) {
@@ -42,7 +47,7 @@ bool begins_with(const Names& names, const Names& start) {
 
 // Whether the names lead to a folder above the medium.
 bool above_medium(char16_t drive, const Names& names) {
-    const Mount medium = mounts().front();
+    const Mount& medium = mounts().front();
     return medium.drive == drive && medium.names.size() > names.size() && begins_with(medium.names, names);
 }
 
@@ -64,11 +69,8 @@ void add_short_names(std::vector<FolderEntry>& entries) {
         entries[index].short_name = std::move(shorter[index]);
 }
 
+// For a name that isn't there exactly.
 std::optional<fs::path> find_entry(const fs::path& folder, std::u16string_view name) {
-    struct stat facts;
-    const fs::path exact = folder / to_utf8(name);
-    if (lstat(exact.c_str(), &facts) == 0)
-        return exact;
     std::vector<FolderEntry> entries = real_entries(folder);
     std::optional<fs::path> found;
     for (const FolderEntry& entry : entries)
@@ -83,29 +85,39 @@ std::optional<fs::path> find_entry(const fs::path& folder, std::u16string_view n
     return found;
 }
 
-bool is_folder(const fs::path& path) {
+bool is_folder(const char* path) {
     struct stat facts;
-    return stat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
+    return stat(path, &facts) == 0 && S_ISDIR(facts.st_mode);
 }
 
 void look_at(RealPath& found) {
     struct stat facts;
     found.exists = lstat(found.real.c_str(), &facts) == 0;
     found.link = found.exists && S_ISLNK(facts.st_mode);
-    found.folder = found.exists && is_folder(found.real);
+    found.folder = found.exists && (S_ISDIR(facts.st_mode) || (found.link && is_folder(found.real.c_str())));
 }
 
-// From a mount's folder down.
+// From a mount's folder down, as plain text: every call with a path comes here. What has the next name in it
+// is a folder, so that only a missing name asks.
 void walk(RealPath& found, const Names& names, std::size_t first) {
-    for (std::size_t index = first; index < names.size(); ++index) {
-        if (!is_folder(found.real)) {
+    std::string real = found.real.native();
+    for (std::size_t index = first; index < names.size() && found.error == 0; ++index) {
+        struct stat facts;
+        const std::size_t length = real.size();
+        real += (real.ends_with('/') ? "" : "/") + to_utf8(names[index]);
+        if (lstat(real.c_str(), &facts) == 0)
+            continue;
+        const fs::path folder = real.substr(0, length);
+        if (!is_folder(folder.c_str())) {
             found.error = ERROR_PATH_NOT_FOUND;
-            return;
+            real = folder.native();
+        } else if (const auto entry = find_entry(folder, names[index])) {
+            real = entry->native();
         }
-        const auto entry = find_entry(found.real, names[index]);
-        found.real = entry ? *entry : found.real / to_utf8(names[index]);
     }
-    look_at(found);
+    found.real = real;
+    if (found.error == 0)
+        look_at(found);
 }
 
 } // namespace
@@ -149,7 +161,7 @@ std::vector<FolderEntry> folder_entries(const RealPath& folder) {
     std::vector<FolderEntry> entries = real_entries(folder.real);
     const PlainPath place = plain_path(folder.text.c_str());
     if (above_medium(place.drive, place.names)) {
-        const Mount medium = mounts().front();
+        const Mount& medium = mounts().front();
         const std::u16string& next = medium.names[place.names.size()];
         if (std::none_of(entries.begin(), entries.end(),
                          [&](const FolderEntry& e) { return same_name(e.name, next); }))

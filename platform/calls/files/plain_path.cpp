@@ -35,12 +35,12 @@ bool starts_with_drive_root(std::u16string_view path) {
 
 // Behind the prefix a slash is no separator, but a letter that no name may hold.
 std::vector<std::u16string> split(std::u16string_view path, bool slashes) {
-    std::vector<std::u16string> names(1);
-    for (const char16_t c : path) {
-        if (c == u'\\' || (slashes && c == u'/'))
-            names.emplace_back();
-        else
-            names.back() += c;
+    const char16_t* const separators = slashes ? u"\\/" : u"\\";
+    std::vector<std::u16string> names;
+    std::size_t start = 0;
+    for (std::size_t end = 0; end != path.npos; start = end + 1) {
+        end = path.find_first_of(separators, start);
+        names.emplace_back(path.substr(start, end - start));
     }
     return names;
 }
@@ -89,7 +89,11 @@ void fold(PlainPath& plain, std::u16string_view path, bool pattern) {
 
 bool is_device(std::u16string_view name) {
     static constexpr std::u16string_view devices[] = {u"CON", u"PRN", u"AUX", u"NUL", u"CONIN$", u"CONOUT$"};
-    const std::u16string stem = upper_case(name.substr(0, name.find(u'.')));
+    constexpr std::size_t shortest = 3, longest = 7;
+    const std::u16string_view given = name.substr(0, name.find(u'.'));
+    if (given.size() < shortest || given.size() > longest)
+        return false;
+    const std::u16string stem = upper_case(given);
     const bool numbered = stem.size() == 4 && (stem.starts_with(u"COM") || stem.starts_with(u"LPT")) &&
                           stem[3] >= u'1' && stem[3] <= u'9';
     return numbered || std::find(std::begin(devices), std::end(devices), stem) != std::end(devices);
