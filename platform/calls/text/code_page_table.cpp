@@ -4,7 +4,8 @@
 
 #include <iconv.h>
 
-#include <map>
+#include <atomic>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -179,7 +180,6 @@ std::unique_ptr<CodePageTable> make_table(const CodePageFacts& facts) {
     auto table = std::make_unique<CodePageTable>();
     table->code_page = facts.code_page;
     table->unknown = facts.unknown;
-    table->lead.assign(256, false);
     table->single.assign(256, 0);
     for (const Range& range : facts.leads)
         for (unsigned byte = range.first; byte <= range.last; ++byte)
@@ -194,20 +194,30 @@ std::unique_ptr<CodePageTable> make_table(const CodePageFacts& facts) {
     return table;
 }
 
+// Nearly every call with a text asks for a table, so that one that is there is found without a lock.
+struct Making {
+    std::atomic<const CodePageTable*> made = nullptr;
+    std::unique_ptr<CodePageTable> table;
+};
+
+const CodePageTable* made_table(Making& making, const CodePageFacts& facts) {
+    if (const CodePageTable* const made = making.made.load(std::memory_order_acquire))
+        return made;
+    static std::mutex mutex;
+    const std::lock_guard lock(mutex);
+    if (!making.table)
+        making.table = make_table(facts);
+    making.made.store(making.table.get(), std::memory_order_release);
+    return making.table.get();
+}
+
 } // namespace
 
 const CodePageTable* code_page_table(std::uint32_t code_page) {
-    static std::mutex mutex;
-    static std::map<std::uint32_t, std::unique_ptr<CodePageTable>> tables;
-    const std::lock_guard lock(mutex);
-    for (const CodePageFacts& facts : known) {
-        if (facts.code_page != code_page)
-            continue;
-        auto& table = tables[code_page];
-        if (!table)
-            table = make_table(facts);
-        return table.get();
-    }
+    static Making making[std::size(known)];
+    for (std::size_t index = 0; index < std::size(known); ++index)
+        if (known[index].code_page == code_page)
+            return made_table(making[index], known[index]);
     return nullptr;
 }
 

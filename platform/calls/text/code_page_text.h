@@ -21,6 +21,8 @@ struct NarrowText {
 // A lead byte that makes no character with the byte behind it, or has none there, becomes the table's
 // `unknown`.
 WideText widen(const CodePageTable* table, std::string_view bytes);
+void widen(const CodePageTable* table, std::string_view bytes,
+           WideText& result); // whose memory is used again
 
 enum class Fit { exact, nearest };
 
@@ -28,5 +30,7 @@ enum class Fit { exact, nearest };
 // all that is good, and U+FFFD for the rest.
 NarrowText narrow(const CodePageTable* table, std::u16string_view text, Fit fit = Fit::exact,
                   std::string_view missing = "?");
+void narrow(const CodePageTable* table, std::u16string_view text, Fit fit, std::string_view missing,
+            NarrowText& result);
 
 } // namespace platform

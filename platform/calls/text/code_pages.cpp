@@ -60,7 +60,8 @@ int MultiByteToWideChar(UINT code_page, DWORD flags, LPCSTR bytes, int byte_coun
         return platform::failed(ERROR_INVALID_FLAGS);
     const std::string_view in(bytes,
                               byte_count < 0 ? std::strlen(bytes) + 1 : static_cast<std::size_t>(byte_count));
-    const platform::WideText out = platform::widen(table_of(call, page), in);
+    thread_local platform::WideText out;
+    platform::widen(table_of(call, page), in, out);
     if (!out.good && (flags & MB_ERR_INVALID_CHARS) != 0)
         return platform::failed(ERROR_NO_UNICODE_TRANSLATION);
     return deliver(out.text, text, size);
@@ -83,8 +84,9 @@ int WideCharToMultiByte(UINT code_page, DWORD flags, LPCWSTR text, int length, L
         return platform::failed(ERROR_INVALID_PARAMETER);
     const platform::Fit fit =
         (flags & WC_NO_BEST_FIT_CHARS) != 0 ? platform::Fit::exact : platform::Fit::nearest;
-    const platform::NarrowText out = platform::narrow(table_of(call, page), in, fit,
-                                                      default_character == nullptr ? "?" : default_character);
+    thread_local platform::NarrowText out;
+    platform::narrow(table_of(call, page), in, fit, default_character == nullptr ? "?" : default_character,
+                     out);
     if (!out.good && page == CP_UTF8 && (flags & WC_ERR_INVALID_CHARS) != 0)
         return platform::failed(ERROR_NO_UNICODE_TRANSLATION);
     if (used_default != nullptr)
