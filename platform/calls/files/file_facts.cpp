@@ -9,7 +9,6 @@
 namespace {
 
 using platform::File;
-using platform::file_behind;
 using platform::session;
 
 // Linux doesn't keep a birth time on every file system; the last change of the contents stands for it.
@@ -34,17 +33,19 @@ BY_HANDLE_FILE_INFORMATION information_of(const File& file, const struct stat& f
 } // namespace
 
 DWORD GetFileType(HANDLE handle) {
-    platform::Call call("GetFileType", platform::shown_file(handle));
+    const platform::CalledFile called(handle);
+    platform::Call call("GetFileType", called);
     if (call.fails(ERROR_INVALID_HANDLE))
         return FILE_TYPE_UNKNOWN;
-    return file_behind(handle) ? FILE_TYPE_DISK : FILE_TYPE_UNKNOWN;
+    return called.behind() ? FILE_TYPE_DISK : FILE_TYPE_UNKNOWN;
 }
 
 BOOL GetFileInformationByHandle(HANDLE handle, LPBY_HANDLE_FILE_INFORMATION information) {
-    platform::Call call("GetFileInformationByHandle", platform::shown_file(handle));
+    const platform::CalledFile called(handle);
+    platform::Call call("GetFileInformationByHandle", called);
     if (call.fails(ERROR_GEN_FAILURE))
         return FALSE;
-    const auto file = file_behind(handle);
+    const auto file = called.behind();
     if (!file)
         return FALSE;
     struct stat facts {};
@@ -58,12 +59,13 @@ BOOL GetFileInformationByHandle(HANDLE handle, LPBY_HANDLE_FILE_INFORMATION info
 }
 
 DWORD GetFinalPathNameByHandleW(HANDLE handle, LPWSTR path, DWORD size, DWORD flags) {
-    platform::Call call("GetFinalPathNameByHandleW", platform::shown_file(handle));
+    const platform::CalledFile called(handle);
+    platform::Call call("GetFinalPathNameByHandleW", called);
     if (flags != (FILE_NAME_NORMALIZED | VOLUME_NAME_DOS))
         call.refuse("flags " + std::to_string(flags));
     if (call.fails(ERROR_GEN_FAILURE))
         return 0;
-    const auto file = file_behind(handle);
+    const auto file = called.behind();
     if (!file)
         return 0;
     std::u16string final_path = file->path;

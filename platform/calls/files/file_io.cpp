@@ -11,7 +11,6 @@ namespace {
 
 using platform::failed;
 using platform::File;
-using platform::file_behind;
 using platform::session;
 
 // The size by the file's facts: false and the last error when there are none.
@@ -56,13 +55,14 @@ BOOL write_all(File& file, const char* bytes, DWORD size, DWORD& written) {
 } // namespace
 
 BOOL ReadFile(HANDLE handle, LPVOID bytes, DWORD size, LPDWORD got, LPOVERLAPPED overlapped) {
-    platform::Call call("ReadFile", platform::shown_file(handle));
+    const platform::CalledFile called(handle);
+    platform::Call call("ReadFile", called);
     if (overlapped != nullptr || got == nullptr)
         call.refuse("only plain reading with a count is modelled");
     *got = 0;
     if (call.fails(ERROR_GEN_FAILURE))
         return FALSE;
-    const auto file = file_behind(handle);
+    const auto file = called.behind();
     if (!file)
         return FALSE;
     if (!file->read)
@@ -76,13 +76,14 @@ BOOL ReadFile(HANDLE handle, LPVOID bytes, DWORD size, LPDWORD got, LPOVERLAPPED
 }
 
 BOOL WriteFile(HANDLE handle, LPCVOID bytes, DWORD size, LPDWORD written, LPOVERLAPPED overlapped) {
-    platform::Call call("WriteFile", platform::shown_file(handle));
+    const platform::CalledFile called(handle);
+    platform::Call call("WriteFile", called);
     if (overlapped != nullptr || written == nullptr)
         call.refuse("only plain writing with a count is modelled");
     *written = 0;
     if (call.fails(ERROR_DISK_FULL))
         return FALSE;
-    const auto file = file_behind(handle);
+    const auto file = called.behind();
     if (!file)
         return FALSE;
     if (!file->write)
@@ -96,10 +97,11 @@ BOOL WriteFile(HANDLE handle, LPCVOID bytes, DWORD size, LPDWORD written, LPOVER
 }
 
 BOOL FlushFileBuffers(HANDLE handle) {
-    platform::Call call("FlushFileBuffers", platform::shown_file(handle));
+    const platform::CalledFile called(handle);
+    platform::Call call("FlushFileBuffers", called);
     if (call.fails(ERROR_GEN_FAILURE))
         return FALSE;
-    const auto file = file_behind(handle);
+    const auto file = called.behind();
     if (!file)
         return FALSE;
     if (!file->write)
@@ -109,10 +111,11 @@ BOOL FlushFileBuffers(HANDLE handle) {
 }
 
 DWORD SetFilePointer(HANDLE handle, LONG low, PLONG high, DWORD origin) {
-    platform::Call call("SetFilePointer", platform::shown_file(handle));
+    const platform::CalledFile called(handle);
+    platform::Call call("SetFilePointer", called);
     if (call.fails(ERROR_GEN_FAILURE))
         return INVALID_SET_FILE_POINTER;
-    const auto file = file_behind(handle);
+    const auto file = called.behind();
     std::uint64_t size = 0;
     if (!file || !size_of(*file, size))
         return INVALID_SET_FILE_POINTER;
@@ -141,10 +144,11 @@ DWORD SetFilePointer(HANDLE handle, LONG low, PLONG high, DWORD origin) {
 }
 
 DWORD GetFileSize(HANDLE handle, LPDWORD high) {
-    platform::Call call("GetFileSize", platform::shown_file(handle));
+    const platform::CalledFile called(handle);
+    platform::Call call("GetFileSize", called);
     if (call.fails(ERROR_GEN_FAILURE))
         return INVALID_FILE_SIZE;
-    const auto file = file_behind(handle);
+    const auto file = called.behind();
     std::uint64_t size = 0;
     if (!file || !size_of(*file, size))
         return INVALID_FILE_SIZE;

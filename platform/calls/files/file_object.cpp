@@ -74,8 +74,7 @@ FILETIME file_time(const struct timespec& time) {
     return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
 }
 
-ShownFile shown_file(const void* handle) {
-    return ShownFile(session().handles.peek_as<File>(handle));
-}
+CalledFile::CalledFile(const void* handle)
+    : handle_(handle), file_(session().handles.peek_as<File>(handle)) {}
 
 } // namespace platform

@@ -52,15 +52,17 @@ std::uint32_t error_of(int posix_error);
 std::uint32_t attributes_of(const struct stat& facts, bool leads_to_folder);
 FILETIME file_time(const struct timespec& time);
 
-// Journal text for a call with a handle: the file's path, or nothing. It lasts as long as this does.
-class ShownFile {
+// The file that a call is about, found before the call passes the gate, for whose journal it has the path.
+class CalledFile {
 public:
-    explicit ShownFile(std::shared_ptr<File> file) : file_(std::move(file)) {}
+    explicit CalledFile(const void* handle);
     operator std::string_view() const { return file_ ? file_->shown_path : std::string_view(); }
+    // What file_behind() gives.
+    std::shared_ptr<File> behind() const { return file_ ? file_ : file_behind(handle_); }
 
 private:
+    const void* handle_;
     std::shared_ptr<File> file_;
 };
-ShownFile shown_file(const void* handle);
 
 } // namespace platform
