@@ -135,10 +135,6 @@ BOOL SpoolerCall::fail(std::uint32_t error) {
     return FALSE;
 }
 
-void SpoolerCall::clear_last_error() {
-    host_->last_error = ERROR_SUCCESS;
-}
-
 SpoolerState& SpoolerCall::state() {
     return spooler().machine.spooler;
 }

@@ -79,6 +79,5 @@ BOOL WINAPI XcvDataW(HANDLE monitor, PCWSTR command, PBYTE input, DWORD input_si
         std::memcpy(output, answer.output.data(), answer.output.size());
     *needed = answer.needed;
     *status = answer.status;
-    call.clear_last_error(); // as the remote call beneath leaves it
     return call.end(0);
 }

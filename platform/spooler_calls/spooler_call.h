@@ -44,7 +44,6 @@ public:
 
     BOOL fail(std::uint32_t error); // keeps the error, which is the thread's last one at the end; gives FALSE
     std::uint32_t error() const { return error_; } // the kept one, 0 for none
-    void clear_last_error();                       // what the thread has at the end of a call that kept none
 
     SpoolerState& state();
     const Machine& machine(); // the rest of what the host runs on

@@ -57,6 +57,15 @@ std::string option_name(int level, int option) {
     return "level " + std::to_string(level) + " option " + std::to_string(option);
 }
 
+// " 1000"; nothing when it isn't of a known size.
+std::string option_value(const char* value, int length) {
+    std::uint32_t number = 0;
+    if (value == nullptr || (length != 1 && length != 4))
+        return "";
+    std::memcpy(&number, value, static_cast<std::size_t>(length));
+    return " " + std::to_string(number);
+}
+
 bool started() {
     return session().area<SocketsLibrary>().started > 0;
 }
@@ -200,7 +209,7 @@ int closesocket(SOCKET handle) {
 }
 
 int setsockopt(SOCKET handle, int level, int option, const char* value, int length) {
-    Call call("setsockopt", platform::option_name(level, option));
+    Call call("setsockopt", platform::option_name(level, option) + platform::option_value(value, length));
     if (call.fails(WSAENETDOWN))
         return SOCKET_ERROR;
     const auto object = platform::find_socket(handle);

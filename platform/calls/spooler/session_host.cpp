@@ -99,10 +99,6 @@ BOOL SpoolerCall::fail(std::uint32_t error) {
     return failed(error);
 }
 
-void SpoolerCall::clear_last_error() {
-    set_last_error(ERROR_SUCCESS);
-}
-
 SpoolerState& SpoolerCall::state() {
     if (!host_->lock.owns_lock())
         host_->lock = std::unique_lock(session().area<SpoolerArea>().lock);

@@ -111,7 +111,7 @@ DWORD give_allocated(std::u16string_view text, LPWSTR* out, DWORD least) {
 
 DWORD FormatMessageW(DWORD flags, LPCVOID, DWORD code, DWORD language, LPWSTR text, DWORD size,
                      void* arguments) {
-    platform::Call call("FormatMessageW", std::to_string(code));
+    platform::Call call("FormatMessageW", std::to_string(code) + " language " + std::to_string(language));
     if (call.fails(ERROR_MR_MID_NOT_FOUND))
         return 0;
     constexpr DWORD known =
