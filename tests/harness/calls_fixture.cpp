@@ -5,7 +5,8 @@
 CallsTest::CallsTest() : session_(std::make_unique<TestSession>()) {
     std::filesystem::create_directories(session_->drive_c / "Scratch");
     session_->machine.child_programs = {{u"The child.exe", 0, child_exit_code}};
-    session_->start();
+    session_->looks_at_leftovers = false; // this fixture does
+    session_->start().gate.on_call = nullptr;
     SetLastError(0);
 }
 

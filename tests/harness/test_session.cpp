@@ -4,6 +4,9 @@
 
 #include <windows.h>
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 
@@ -19,6 +22,12 @@ fs::path make_temporary_folder() {
 }
 
 } // namespace
+
+void spoil_last_error(const platform::JournalEntry& entry) {
+    constexpr std::string_view keeping[] = {"GetLastError", "SetLastError", "WSAGetLastError", "XcvDataW"};
+    if (std::ranges::find(keeping, entry.call) == std::end(keeping))
+        platform::set_last_error(0xbad);
+}
 
 TemporaryFolder::TemporaryFolder() : path(make_temporary_folder()) {}
 
@@ -46,6 +55,7 @@ platform::Session& TestSession::start() {
     options.medium = medium;
     options.resources = TRK_RESOURCE_FILE;
     session_.emplace(machine, options, user);
+    session_->gate.on_call = spoil_last_error;
     app.log_handle =
         CreateFileW(TEXT("C:\\Windows\\Temp\\trk_install.log"), FILE_APPEND_DATA,
                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -59,7 +69,20 @@ void TestSession::stop() {
     if (app.log_handle != INVALID_HANDLE_VALUE && !session_->gate.stopped())
         CloseHandle(app.log_handle);
     app.log_handle = INVALID_HANDLE_VALUE;
+    if (looks_at_leftovers)
+        expect_no_leftovers();
     session_.reset();
+}
+
+// The log's mutex stays for as long as the process; a run that was stopped had no chance to tidy up.
+void TestSession::expect_no_leftovers() const {
+    std::vector<std::string> open = session_->handles.open_kinds();
+    std::erase(open, "mutex");
+    if (!session_->gate.stopped()) {
+        EXPECT_EQ(open, std::vector<std::string>());
+        EXPECT_EQ(session_->memory.live(), std::vector<std::string>());
+    }
+    EXPECT_EQ(session_->gate.misuses(), std::vector<std::string>());
 }
 
 void TestSession::write(const fs::path& file, const std::string& bytes) {

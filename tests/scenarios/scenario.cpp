@@ -139,7 +139,11 @@ rehearsal::Outcome Scenario::run() {
     run.drive_c = drive_c_;
     run.medium = medium_;
     run.command_line = command_line;
-    run.on_call = on_call;
+    run.on_call = [this](const platform::JournalEntry& call) {
+        spoil_last_error(call);
+        if (on_call)
+            on_call(call);
+    };
     run.entry = entry;
     rehearsal::Outcome outcome = rehearsal::run_program(run, machine, user, log);
     outcome.boxes = user.boxes;

@@ -173,7 +173,7 @@ TEST_F(CustomPorts, SettingsGoBackInTheMonitorsBlock) {
         add_port(TEXT("Label Port"), TEXT("L2"), address_600.c_str(), TEXT("Vorlane"), TEXT("Monitor"), 0),
         1);
     ASSERT_EQ(add_dryx_port(TEXT("DRYX Port"), TEXT("D1"), address_600.c_str()), 1);
-    ASSERT_EQ(add_dryx_port(TEXT("DRYX Port"), TEXT("D2"), "10.0.0.7"), 1);
+    ASSERT_EQ(add_dryx_port(TEXT("DRYX Port"), TEXT("D2"), "P7"), 1); // shorter than what stands there
     const auto with_folder = [&](std::u16string_view port) {
         return ExpectedBlock(6168, port).number(3080, 1).number(4108, 1).number(4112, 1).text(4116, folder);
     };
@@ -187,7 +187,7 @@ TEST_F(CustomPorts, SettingsGoBackInTheMonitorsBlock) {
     EXPECT_EQ(port(u"D2")->configuration, ExpectedBlock(4112, u"D2")
                                               .number(2056, 1)
                                               .number(3084, 1)
-                                              .text(3088, std::u16string(u"10.0.0.7") + u'\0')
+                                              .text(3088, std::u16string(u"P7") + u'\0')
                                               .bytes);
     expect_nothing_open();
 }
@@ -204,6 +204,16 @@ TEST_F(CustomPorts, CommandsGoOutWhateverTheMonitorAnswers) {
                      "portConfig 1 6168 [L1]\r\n"
                      "XcvData SetConfig 1 0 0 0 (6168)\r\n");
     EXPECT_EQ(platform::session().gate.count("XcvDataW"), 6u);
+}
+
+TEST_F(CustomPorts, TextsOfTheMonitorMayLackATerminator) {
+    platform::PrintPort full = test.machine.spooler.ports.front();
+    full.name = u"L1";
+    full.monitor = u"Label Port";
+    full.configuration.assign(6168, 'x');
+    test.machine.spooler.ports.push_back(full);
+    ASSERT_EQ(add_port(TEXT("Label Port"), TEXT("L1"), "10.0.0.7", TEXT("a"), TEXT("b"), 0), 1);
+    EXPECT_NE(log().find("portConfig 2021161080 2021161080 [????"), std::string::npos) << log();
 }
 
 TEST_F(CustomPorts, RefusesNamesThatDontFit) {
@@ -232,7 +242,6 @@ TEST_F(Ports, MonitorsOfThe32BitEnvironmentAreRefusedByAnotherSpooler) {
     std::u16string_view(u"Label Port").copy(info.name, 63);
     std::u16string_view(u"lblmon.dll").copy(info.DLL32, 63);
     EXPECT_EQ(install_monitor(&info), 0);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_ENVIRONMENT});
     EXPECT_EQ(test.machine.spooler.monitors, platform::default_spooler().monitors);
 }
 

@@ -309,7 +309,27 @@ TEST(InstallLog, TellsThatItCouldNotBeWritten) {
     const std::vector<platform::FailedStep> expected = {{u"writing the log", false}};
     EXPECT_EQ(platform::failed_steps(), expected);
     // Without a log a failed step is heard all the same.
-    app.log_handle = INVALID_HANDLE_VALUE;
+    close_log();
     log_failure(u"third\r\n");
     EXPECT_EQ(platform::failed_steps().back().text, u"third");
+}
+
+TEST(InstallLog, IsClosedBetweenTwoLines) {
+    TestSession test;
+    platform::Session& session = test.start();
+    log_line(u"first\r\n");
+    const HANDLE closed = app.log_handle;
+    const std::size_t before = session.gate.journal().size();
+    close_log();
+    std::string calls;
+    for (std::size_t i = before; i < session.gate.journal().size(); ++i)
+        calls += session.gate.journal()[i].call + " ";
+    EXPECT_EQ(calls, "WaitForSingleObject CloseHandle ReleaseMutex ");
+    const unsigned written = session.gate.count("WriteFile");
+    log_write(closed, u"late\r\n"); // of a thread that took the handle before
+    close_log();
+    EXPECT_EQ(session.gate.count("WriteFile"), written);
+    WCHAR path[256];
+    app.log_handle = open_log(u"again", u".log", path, 256); // perhaps under the same value
+    EXPECT_EQ(app.closed_log, INVALID_HANDLE_VALUE);
 }

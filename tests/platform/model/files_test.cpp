@@ -178,6 +178,7 @@ TEST_F(FilesModel, UnmodelledNamesStopTheRun) {
 }
 
 TEST_F(FilesModel, ClosedHandlesAreNoted) {
+    looks_at_leftovers = false;
     platform::Session& session = start();
     const HANDLE file = open(u"Drivers\\lbl.inf", GENERIC_READ, OPEN_EXISTING);
     CloseHandle(file);

@@ -17,6 +17,7 @@ class ServicePhases : public testing::Test {
 protected:
     SC_HANDLE open(const WCHAR* name) { return OpenServiceW(manager_, name, SERVICE_ALL_ACCESS); }
     void start() {
+        test.looks_at_leftovers = false;
         session_ = &test.start();
         manager_ = OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS);
     }
