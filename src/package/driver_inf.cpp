@@ -20,7 +20,6 @@ constexpr size_t folder_name_capacity = 512;
 constexpr const char* class_text = "Class=Printer";
 constexpr const char* version_text = "DriverVer=";
 constexpr const char* manufacturer_text = "[Manufacturer]";
-constexpr size_t manufacturer_skip = 10; // the search for the first entry begins inside the header
 constexpr const char* usb_text = "usbprint\\";
 
 int ends_entry(char character) {
@@ -62,7 +61,7 @@ const char* find_models_header(const char* place, const InfFields* fields) {
     const char* manufacturer = find_ansi(place, manufacturer_text);
     if (manufacturer == nullptr)
         return nullptr;
-    const char* entry = find_ansi(manufacturer + manufacturer_skip, "=");
+    const char* entry = find_ansi(manufacturer, "=");
     if (entry == nullptr)
         return nullptr;
     ++entry;

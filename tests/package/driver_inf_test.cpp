@@ -106,6 +106,16 @@ TEST(DriverInf, ScansTheParts) {
          1,
          sample_version,
          version_log + manu_log + "driverName:D\r\nmdlName:Label\r\nhasUSB:0\r\n"},
+        {"the driver's quote counts from the name's last two characters on",
+         {.manufacturer = "[Manufacturer]\n=a\"\"c\n", .models = "[a\"\"c]\n"},
+         1,
+         sample_version,
+         version_log + "manuName:a\"\"c\r\ndriverName:c]\n\r\nmdlName:Label_100_Series\r\nhasUSB:1\r\n"},
+        {"no USB behind the driver's name",
+         {.model = "\"usbprint\\D\"=x"},
+         1,
+         sample_version,
+         version_log + manu_log + "driverName:usbprint\\D\r\nmdlName:x\r\nhasUSB:0\r\n"},
         {"no install section",
          {.model = "\"D\"\nusbprint\\x"},
          0,
@@ -136,6 +146,29 @@ TEST(DriverInf, CutsNamesAtTheirSizes) {
     EXPECT_STREQ(identity.manu.data(), "Mode"); // and "[Mode" was enough to find the section
     EXPECT_STREQ(identity.driver.data(), "1234");
     EXPECT_STREQ(identity.mdl.data(), "abcde");
+    inf.model = "\"12345\"=" + std::string(5000, 'l');
+    EXPECT_EQ(scan_inf_driver(inf.text().c_str(), &fields), 1);
+    EXPECT_STREQ(identity.driver.data(), "12345");
+    EXPECT_STREQ(identity.mdl.data(), "lllll");
+}
+
+TEST(DriverInf, SmallestSizes) {
+    TestSession session;
+    session.start();
+    const std::string text = Inf().text();
+    char driver[1] = {'x'};
+    char manu[2] = {'x', 'x'};
+    char mdl[1] = {'x'};
+    DriverVersion version = 0;
+    DWORD has_usb = 0;
+    const auto accepted = [&](int driver_size, int manu_size, int mdl_size) {
+        const InfFields fields = {driver, driver_size, manu, manu_size, mdl, mdl_size, &version, &has_usb};
+        return scan_inf_driver(text.c_str(), &fields);
+    };
+    EXPECT_EQ(accepted(0, 2, 1) + accepted(1, 1, 1) + accepted(1, 2, 0), 0);
+    EXPECT_EQ(session.log(), "");
+    EXPECT_EQ(accepted(1, 2, 1), 1);
+    EXPECT_EQ(driver[0] | manu[0] | mdl[0], 0);
 }
 
 TEST(DriverInf, ReadsWithinOneChunk) {
