@@ -39,7 +39,7 @@ void tell_failed_folder(const WCHAR* path, int shown, DWORD error) {
         line_failed();
 }
 
-int make_level(WCHAR* out, const WCHAR* base, const WCHAR* name, FolderLines lines) {
+void make_level(WCHAR* out, const WCHAR* base, const WCHAR* name, FolderLines lines) {
     const int fits = format_text(out, deploy_path_capacity, TEXT("%s\\%s"), base, name);
     if (lines.show)
         log_text(out);
@@ -50,16 +50,15 @@ int make_level(WCHAR* out, const WCHAR* base, const WCHAR* name, FolderLines lin
         error = GetLastError();
     if (error != ERROR_SUCCESS && lines.tell)
         tell_failed_folder(out, lines.show, error);
-    return fits;
 }
 
 } // namespace
 
-int make_model_folder(WCHAR* out, const WCHAR* base, const WCHAR* folder_name, const WCHAR* model,
-                      FolderLines lines) {
+void make_model_folder(WCHAR* out, const WCHAR* base, const WCHAR* folder_name, const WCHAR* model,
+                       FolderLines lines) {
     WCHAR maker[deploy_path_capacity];
-    const int fits = make_level(maker, base, folder_name, lines);
-    return make_level(out, maker, model, lines) && fits;
+    make_level(maker, base, folder_name, lines);
+    make_level(out, maker, model, lines); // a level that was cut has no room for the next
 }
 
 int make_install_folder(InstallFolder* folder, const WCHAR* folder_name, const WCHAR* model, int tell) {
@@ -71,8 +70,8 @@ int make_install_folder(InstallFolder* folder, const WCHAR* folder_name, const W
     folder->path[0] = 0;
     folder->plain = names_are_plain(folder_name, model);
     if (folder->plain) {
-        folder->fits = make_model_folder(folder->path, program_files, folder_name, model, {1, tell});
-        folder->fits &= append_text(folder->path, std::size(folder->path), TEXT("\\"));
+        make_model_folder(folder->path, program_files, folder_name, model, {1, tell});
+        folder->fits = append_text(folder->path, std::size(folder->path), TEXT("\\"));
     }
     CoTaskMemFree(program_files);
     return 1;

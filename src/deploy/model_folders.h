@@ -18,9 +18,9 @@ struct FolderLines {
 };
 
 // Makes <base>\<folder_name>\<model> one level at a time, going on in any case, and gives the path in `out`
-// of deploy_path_capacity characters, without a backslash at its end: 1, or 0 when it was cut.
-int make_model_folder(WCHAR* out, const WCHAR* base, const WCHAR* folder_name, const WCHAR* model,
-                      FolderLines lines);
+// of deploy_path_capacity characters, without a backslash at its end.
+void make_model_folder(WCHAR* out, const WCHAR* base, const WCHAR* folder_name, const WCHAR* model,
+                       FolderLines lines);
 
 // The install folder of one model.
 struct InstallFolder {

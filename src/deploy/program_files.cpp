@@ -117,13 +117,10 @@ int copy_program_files(const Deployment* deployment, const char* inf_file) {
 
 // Profiles are a matter of the medium: none, some or all of the patterns may have files.
 void copy_profiles(const Deployment* deployment) {
-    WCHAR target[deploy_path_capacity];
-    if (!format_text(target, std::size(target), TEXT("%s%s"), deployment->install_folder.path,
-                     TEXT("profiles")))
-        return;
+    WCHAR target[deploy_path_capacity]; // has room: the names of the programs are longer
+    format_text(target, std::size(target), TEXT("%s%s"), deployment->install_folder.path, TEXT("profiles"));
     CreateDirectoryW(target, nullptr);
-    if (!append_text(target, std::size(target), TEXT("\\")))
-        return;
+    append_text(target, std::size(target), TEXT("\\"));
     for (const WCHAR* pattern : profile_patterns) {
         WCHAR source[deploy_path_capacity];
         if (format_text(source, std::size(source), TEXT("%s\\%s\\%s"), deployment->source_root,

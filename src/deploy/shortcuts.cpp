@@ -36,10 +36,12 @@ int create_shortcut(int newer_system, const WCHAR* install_folder, const WCHAR* 
     WCHAR link_path[deploy_path_capacity];
     // The install folder ends in a backslash already; the second one is the target's usual form.
     const int target_fits = format_text(target, std::size(target), TEXT("%s\\%s"), install_folder, file_name);
-    int link_fits = newer_system ? format_text(name, std::size(name), TEXT("%s %s"), driver_name, label)
-                                 : copy_text(name, std::size(name), label);
-    link_fits &= format_text(link_path, std::size(link_path), TEXT("%s\\%s.lnk"), group_folder, name) &&
-                 text_length(link_path) < MAX_PATH; // what the shell can save
+    if (newer_system)
+        format_text(name, std::size(name), TEXT("%s %s"), driver_name, label);
+    else
+        copy_text(name, std::size(name), label);
+    format_text(link_path, std::size(link_path), TEXT("%s\\%s.lnk"), group_folder, name);
+    const int link_fits = text_length(link_path) < MAX_PATH; // what the shell can save, less than was cut at
     log_line_within(deploy_line_capacity, TEXT("create sc [%s] [%s] [%s]\r\n"), target, link_path, name);
     if (!link_fits || !target_fits) {
         log_failure_within(deploy_line_capacity, TEXT("shortcut path too long: %s\r\n"),

@@ -171,6 +171,7 @@ TEST_F(ProgramFiles, PathsThatDontFitAreNeverUsed) {
     EXPECT_EQ(copy_package_file(u"D:\\medium\\wrenchbay\\", u"media.inf", folder.c_str(), u"ab"), 0);
     EXPECT_TRUE(test.log().ends_with("copy file failed 0 206 D:\\medium\\wrenchbay\\media.inf\r\n"))
         << test.log();
+    EXPECT_EQ(copyDirFiles((folder + u"*.").c_str(), u"C:\\"), DWORD{ERROR_FILENAME_EXCED_RANGE});
     EXPECT_NE(copyDirFiles((folder + u"*.*").c_str(), u"C:\\"), 0);
     EXPECT_NE(copyDirFiles(u"D:\\medium\\profiles\\*.tkp", (folder + u"ff").c_str()), 0);
     EXPECT_EQ(platform::session().gate.count("CopyFileW"), 0u);
