@@ -2,6 +2,7 @@
 
 #include <winsock2.h>
 
+#include "discovery/slp.h"
 #include "harness/test_session.h"
 #include "machine/slp_agent.h"
 
@@ -99,6 +100,52 @@ TEST_F(NetworkSearch, ServesOneInterfaceAfterTheOther) {
                           "close interface\r\n"
                           "find slp cleanup\r\nfind slp complete\r\n");
     EXPECT_EQ(milliseconds, 2000u) << "a second of silence for each";
+}
+
+// The calls of the sockets in their order, with what they are about behind each.
+std::string socket_calls() {
+    std::string calls;
+    for (const platform::JournalEntry& entry : platform::session().gate.journal())
+        for (const char* name : {"WSAStartup", "socket", "setsockopt", "bind", "sendto", "recvfrom",
+                                 "closesocket", "WSACleanup"})
+            if (entry.call == name)
+                calls += entry.call + (entry.call == "setsockopt" ? " " + entry.argument : "") + ", ";
+    return calls;
+}
+
+TEST_F(NetworkSearch, PreparesEachSocket) {
+    test.machine.adapters.clear();
+    adapter("10.0.0.2");
+    EXPECT_EQ(search(), 1);
+    EXPECT_EQ(socket_calls(), "WSAStartup, socket, setsockopt SO_RCVTIMEO 1000, setsockopt SO_REUSEADDR 1, "
+                              "setsockopt IP_MULTICAST_TTL 255, setsockopt SO_EXCLUSIVEADDRUSE 1, bind, "
+                              "sendto, recvfrom, closesocket, WSACleanup, ");
+    test.stop();
+    test.start();
+    EXPECT_EQ(probe_discovery_port(), 0);
+    EXPECT_EQ(socket_calls(),
+              "WSAStartup, socket, setsockopt SO_EXCLUSIVEADDRUSE 1, bind, closesocket, WSACleanup, ");
+}
+
+TEST_F(NetworkSearch, CutsTheModelAtTheTagsRoom) {
+    test.start();
+    const std::string model(300, 'm');
+    find_slp(model.c_str(), note_find);
+    const std::string line = test.log().substr(0, test.log().find("\r\n"));
+    EXPECT_EQ(line, "Search for model MDL:" + std::string(model_tag_capacity - 1 - 4, 'm'));
+}
+
+TEST_F(NetworkSearch, NoMemoryMeansNoAdapters) {
+    for (const unsigned nth : {1u, 2u}) {
+        test.machine.adapters.clear();
+        adapter("10.0.0.2");
+        adapter("10.0.0.3");
+        test.machine.faults = {{"HeapAlloc", nth, true, 8, ""}};
+        test.start();
+        EXPECT_EQ(collect_adapters(), 0u);
+        EXPECT_EQ(platform::session().gate.count("GetAdaptersInfo"), nth - 1);
+        test.stop();
+    }
 }
 
 TEST_F(NetworkSearch, TakesTenDatagramsAndNoMore) {

@@ -135,6 +135,7 @@ TEST_F(SlpReply, ShowsControlCharactersAsBlanks) {
 TEST_F(SlpReply, LargestDatagramIsSearchedToItsEnd) {
     const std::string filler(4000 - 20 - 15, 'f');
     EXPECT_EQ(read(reply(filler + "MDL:Label_100;)")).found, 1);
+    EXPECT_EQ(read(reply(filler + "MDL:Label_100;)" + std::string(100, 'f'))).found, 1);
 }
 
 TEST_F(SlpReply, LogsTheHeaderOfARequest) {

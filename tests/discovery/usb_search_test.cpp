@@ -94,6 +94,18 @@ TEST_F(UsbSearch, PassesOverWhatCantBeRead) {
     EXPECT_TRUE(platform::session().memory.live().empty());
 }
 
+TEST_F(UsbSearch, AParentThatGrewInBetweenHasNoName) {
+    plug_in(device_path(u"vid&pid_0080#a"), u"USB\\VID_0A5F&PID_0080\\1");
+    platform::Session& session = test.start();
+    session.gate.on_call = [this](const platform::JournalEntry& entry) {
+        if (entry.call == "CM_Get_Device_IDW")
+            test.machine.usb_interfaces[0].parent_id += u"23";
+    };
+    EXPECT_EQ(usb_search(u"usb", note_find), 1);
+    EXPECT_EQ(printers_found,
+              std::vector<std::string>{platform::to_utf8(device_path(u"vid&pid_0080#a")) + " A"});
+}
+
 TEST_F(UsbSearch, TellsOfAMissingDeviceList) {
     test.machine.faults = {{"SetupDiGetClassDevsW", 1, true, 5, ""}};
     test.start();

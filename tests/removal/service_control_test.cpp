@@ -40,8 +40,10 @@ protected:
         return test.machine.services.back();
     }
 
+    // Every operation lives through the wrap of the tick count.
     void expect(void (*operation)(const WCHAR*), const std::string& opening, const Row& row) {
         platform::Session& session = test.start();
+        Sleep(0xffffffffu - session.clock.ticks() - 300);
         const std::uint32_t start = session.clock.ticks();
         const std::size_t before = test.log().size();
         testing::internal::CaptureStdout();
@@ -143,11 +145,27 @@ TEST_F(Services, AreStartedWhileTheyMakeProgress) {
                "\n  Wait Hint: " + std::to_string(hint) + "\n";
     };
     const std::string refusal = "Cannot start the service because it is already running\n";
-    const platform::Fault third_query = {"QueryServiceStatusEx", 3, true, 6, "Spooler"};
+    const auto query = [](unsigned nth) {
+        return platform::Fault{"QueryServiceStatusEx", nth, true, 6, "Spooler"};
+    };
+    const platform::Fault third_query = query(3);
     const Row table[] = {
         {"prompt", {{stopped}}, {{starting, 500, 2000, 1}, {running}}, {"", started, 1000}},
         {"running already", {{running}}, {}, {"", refusal, 0}},
         {"starting already", {{starting}}, {}, {"", refusal, 0}},
+        {"first query", {{stopped}}, {}, {"", "QueryServiceStatusEx failed (6)\n", 0}, 0, query(1)},
+        {"query while stopping",
+         {{stopping, 0, 30000}},
+         {},
+         {"", "QueryServiceStatusEx failed (6)\n", 3000},
+         0,
+         query(2)},
+        {"query behind the start",
+         {{stopped}},
+         {{starting, 500, 2000, 1}, {running}},
+         {"", "Service start pending...\nQueryServiceStatusEx failed (6)\n", 0},
+         0,
+         query(2)},
         {"stops first", {{stopping, 1, 30000, 1}, {stopped}}, {{running}}, {"", started, 3000}},
         {"stopped after its hint ran out",
          {{stopping, 5500, 5000, 1}, {stopped}},

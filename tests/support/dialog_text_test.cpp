@@ -196,4 +196,17 @@ TEST(DialogText, CentersOnTheScreen) {
     EXPECT_EQ(placed(201, 100), std::pair((desktop.right - 201) / 2, (desktop.bottom - 100) / 2));
     // One that is larger than the screen ends with its far edge in sight.
     EXPECT_EQ(placed(desktop.right + 11, 100), std::pair(-11, (desktop.bottom - 100) / 2));
+    // One over a dialog at the screen's edge stays in sight.
+    const HWND child =
+        CreateDialogParamW(app.app_instance, MAKEINTRESOURCEW(IDD_TERMS), dialog, quiet_dialog, 0);
+    for (const auto& [left, top, x, y] :
+         {std::tuple(-300, -300, 0, 0),
+          std::tuple(desktop.right - 10, desktop.bottom - 10, desktop.right - 60, desktop.bottom - 40)}) {
+        MoveWindow(dialog, left, top, 300, 300, FALSE);
+        MoveWindow(child, 0, 0, 60, 40, FALSE);
+        EXPECT_EQ(center_dialog(child), 1);
+        RECT place = {};
+        GetWindowRect(child, &place);
+        EXPECT_EQ(std::pair(place.left, place.top), std::pair(LONG{x}, LONG{y}));
+    }
 }
