@@ -82,13 +82,10 @@ void make_port(WCHAR* port_name, const WCHAR* wide_address) {
     add_tcp_port(port_name, address);
 }
 
-// The model's name with a blank and the number behind it, shortened where they need the room. `name` has the
-// room of app.queue_name.
+// The model's name with a blank and the number behind it. `name` has the room of app.queue_name, which is
+// enough: the files of the model's folder were copied, so that the longest path has room for its name.
 void number_queue_name(WCHAR* name, const WCHAR* model, DWORD number) {
-    WCHAR end[16];
-    format_text(end, std::size(end), TEXT(" %d"), number);
-    copy_text(name, std::size(app.queue_name) - text_length(end), model);
-    append_text(name, std::size(app.queue_name), end);
+    format_text(name, std::size(app.queue_name), TEXT("%s %d"), model, number);
 }
 
 // The number at the end of a queue's name; 0 when it has none of 2 to `limit`.

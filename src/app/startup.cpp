@@ -81,12 +81,10 @@ void load_window_title() {
 }
 
 void load_stage_texts() {
-    for (StageText& stage : app.install_texts)
+    for (StageText& stage : app.install_texts) // one that is missing stays empty
         if (LoadStringW(app.app_instance, stage.string_id, stage.text,
-                        static_cast<int>(std::size(stage.text))) < 1) {
-            stage.text[0] = 0;
+                        static_cast<int>(std::size(stage.text))) < 1)
             step_failed(TEXT("loading the texts of the install's stages"));
-        }
 }
 
 void show_main_dialog() {

@@ -1,6 +1,8 @@
 // What the user can do between the start and the install: the list, the typed address and the terms page.
 #include "app/ip_dialog.h"
+#include "calls/windows/user_input.h"
 #include "scenarios/scenario.h"
+#include "support/text.h"
 
 #include <gtest/gtest.h>
 
@@ -81,15 +83,22 @@ TEST(AddressDialog, ModalFormHandsTheTextOver) {
         SCOPED_TRACE(row.typed + ", " + row.button);
         Scenario scenario;
         char text[300] = "untouched";
+        std::string caption;
+        scenario.on_call = [&caption](const platform::JournalEntry& call) {
+            if (call.call == "EndDialog")
+                caption = platform::dialogs().front().caption;
+        };
         scenario.actions = {"type 1000 " + row.typed, row.button};
         scenario.entry = [&text](HINSTANCE instance, char*) {
             app.app_instance = instance;
+            copy_text(app.window_title, std::size(app.window_title), u"A title");
             return ask_address_text(text, sizeof text);
         };
         Outcome outcome = scenario.run();
         EXPECT_EQ(std::exchange(outcome.exit_code, 0), row.result);
         expect_clean(outcome);
         EXPECT_EQ(text, row.text);
+        EXPECT_EQ(caption, "A title");
     }
 }
 

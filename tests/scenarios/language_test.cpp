@@ -64,6 +64,11 @@ TEST_P(Languages, ReachEveryText) {
         const std::string setting = by_setting ? std::string("set lang ") + row.set + "\r\n" : "";
         EXPECT_TRUE(has(outcome.log, choice + setting + "CreateDialog\r\n")) << outcome.log;
         EXPECT_EQ(caption_of(outcome, 105), std::string("ZR Series ") + row.title);
+        std::string order; // of the pause and what it is for
+        for (const platform::JournalEntry& call : outcome.journal)
+            if (order.size() < 10 && (call.call == "Sleep" || call.call == "SetThreadUILanguage"))
+                order += call.call + " ";
+        EXPECT_EQ(order, by_setting ? "Sleep SetThreadUILanguage " : "");
         EXPECT_EQ(caption_of(outcome, 101), std::string("ZR Series ") + row.title);
         EXPECT_EQ(control_of(outcome, 105, 1014).text, row.network);
         EXPECT_EQ(control_of(outcome, 101, 1012).text, row.headline);

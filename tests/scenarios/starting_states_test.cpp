@@ -53,6 +53,7 @@ TEST(StartingState, FollowsFromTheDriver) {
         expect_clean(outcome);
         EXPECT_EQ(status_of(outcome), row.status);
         EXPECT_EQ(shown_controls(outcome), row.controls);
+        EXPECT_EQ(calls_of(outcome, "SetDefaultDllDirectories"), 1u);
         EXPECT_EQ(boxes_of(outcome), "") << "leaving shows no box";
         EXPECT_EQ(changes_of(outcome), "");
         EXPECT_EQ(caption_of(outcome, 105), "ZR Series Installer");
