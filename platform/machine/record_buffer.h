@@ -65,7 +65,7 @@ template<class Record, class Count>
 bool deliver_records(const RecordBuffer<Record>& records, void* buffer, Count size, Count* needed,
                      Count* returned, ToldSize told) {
     *needed = static_cast<Count>(told.told);
-    *returned = 0;
+    *returned = static_cast<Count>(told.more);
     if (size < told.needed) {
         if (buffer != nullptr)
             std::memset(buffer, 0xCD, size);
@@ -73,7 +73,7 @@ bool deliver_records(const RecordBuffer<Record>& records, void* buffer, Count si
     }
     if (records.count() != 0)
         records.write(buffer);
-    *returned = static_cast<Count>(records.count());
+    *returned = static_cast<Count>(records.count() + told.more);
     return true;
 }
 

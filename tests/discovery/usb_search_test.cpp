@@ -106,6 +106,20 @@ TEST_F(UsbSearch, AParentThatGrewInBetweenHasNoName) {
               std::vector<std::string>{platform::to_utf8(device_path(u"vid&pid_0080#a")) + " A"});
 }
 
+TEST_F(UsbSearch, PassesOverADetailWithoutSize) {
+    plug_in(device_path(u"vid"), u"USB\\VID_0A5F&PID_0080\\1");
+    for (const std::uint32_t told : {0u, 1u, 7u}) {
+        platform::Session& session = test.start();
+        session.gate.on_size = [told](const platform::JournalEntry& entry, std::uint32_t capacity,
+                                      platform::ToldSize& size) {
+            if (entry.call == "SetupDiGetDeviceInterfaceDetailW" && capacity == 0)
+                size.told = told;
+        };
+        EXPECT_EQ(usb_search(u"usb", note_find), 0);
+        test.stop();
+    }
+}
+
 TEST_F(UsbSearch, TellsOfAMissingDeviceList) {
     test.machine.faults = {{"SetupDiGetClassDevsW", 1, true, 5, ""}};
     test.start();

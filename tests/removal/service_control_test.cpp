@@ -43,7 +43,7 @@ protected:
     // Every operation lives through the wrap of the tick count.
     void expect(void (*operation)(const WCHAR*), const std::string& opening, const Row& row) {
         platform::Session& session = test.start();
-        Sleep(0xffffffffu - session.clock.ticks() - 300);
+        Sleep(0xffffffffu - session.clock.ticks() - 1500);
         const std::uint32_t start = session.clock.ticks();
         const std::size_t before = test.log().size();
         testing::internal::CaptureStdout();
@@ -276,6 +276,18 @@ TEST_F(Services, DependentsStopFirst) {
         expect(DoStopSvc, "DoStopSvc [Spooler]\r\n", {row.name, {}, {}, row.expected});
         EXPECT_EQ(test.machine.services[1].now.front().state, row.first_state) << row.name;
     }
+}
+
+TEST_F(Services, DependentsAreNoMoreThanTheListHolds) {
+    test.machine.services.clear();
+    add(u"Spooler", {{running}}, {{stopped}}).dependents = {u"First"};
+    add(u"First", {{running}}, {{stopped}});
+    platform::Session& session = test.start();
+    session.gate.on_size = [](const auto&, std::uint32_t, platform::ToldSize& size) { size.more = 1000; };
+    testing::internal::CaptureStdout();
+    DoStopSvc(u"Spooler");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Service stopped successfully\n");
+    EXPECT_EQ(test.log(), "DoStopSvc [Spooler]\r\nStopDependentServices\nstop service...\n");
 }
 
 } // namespace

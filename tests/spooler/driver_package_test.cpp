@@ -2,6 +2,8 @@
 
 #include "harness/test_session.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -58,6 +60,23 @@ TEST_F(DriverPackage, RefusesANameThatDoesntFit) {
     EXPECT_EQ(install_driver_package(std::string(256, 'n').c_str(), TEXT("D:\\medium\\Drivers\\lbl.inf")), 0);
     EXPECT_EQ(platform::session().gate.count("UploadPrinterDriverPackageW"), 0u);
     EXPECT_NE(test.log().find("InstallPrinterDriverFromPackage error 8007006f "), std::string::npos);
+}
+
+// The stored copy's path has room for 259 characters; it holds the INF's name twice.
+TEST_F(DriverPackage, TakesEveryPathThatTheStoreMayGive) {
+    test.start();
+    std::size_t longest = 0;
+    for (std::size_t length = 60; length < 120; ++length) {
+        const std::u16string inf = u"D:\\medium\\Drivers\\" + std::u16string(length, u'n') + u".inf";
+        std::filesystem::rename(test.medium / "Drivers/lbl.inf",
+                                test.medium / "Drivers" / (std::string(length, 'n') + ".inf"));
+        if (install_driver_package("Label 100 Driver", inf.c_str()))
+            longest = std::max(longest, test.machine.spooler.packages.back().inf_path.size());
+        std::filesystem::rename(test.medium / "Drivers" / (std::string(length, 'n') + ".inf"),
+                                test.medium / "Drivers/lbl.inf");
+    }
+    EXPECT_GE(longest, 258u);
+    EXPECT_LE(longest, 259u);
 }
 
 } // namespace

@@ -3,6 +3,10 @@
 #include "harness/test_session.h"
 #include "support/text.h"
 
+#include "support/memory.h"
+
+#include <winspool.h>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -56,6 +60,42 @@ TEST_F(Inventory, LongNamesAreComparedWholeAndCutInTheLog) {
     EXPECT_EQ(port_exists(name.c_str()), 0);
     EXPECT_TRUE(test.log().ends_with("0:" + std::string(251, 'n') + "\r\n"));
     EXPECT_EQ(port_exists((name + u"1").c_str()), 1);
+}
+
+// The spooler tells of far more records than it delivers, on both calls or on the first alone.
+TEST_F(Inventory, CountsWhatTheBufferHasRoomFor) {
+    const struct {
+        void* (*enumerate)(DWORD level, DWORD* count);
+        DWORD level;
+        std::size_t record_size;
+        const char* call;
+    } table[] = {
+        {enumerate_printers, 1, sizeof(PRINTER_INFO_1W), "EnumPrintersW"},
+        {enumerate_printers, 2, sizeof(PRINTER_INFO_2W), "EnumPrintersW"},
+        {enumerate_drivers, 6, sizeof(DRIVER_INFO_6W), "EnumPrinterDriversW"},
+        {enumerate_monitors, 1, sizeof(MONITOR_INFO_1W), "EnumMonitorsW"},
+        {enumerate_ports, 2, sizeof(PORT_INFO_2W), "EnumPortsW"},
+        {enumerate_processors, 1, sizeof(PRINTPROCESSOR_INFO_1W), "EnumPrintProcessorsW"},
+    };
+    test.machine.spooler.drivers.push_back({.name = u"D"});
+    for (const auto& row : table)
+        for (const bool second_fails : {false, true}) {
+            SCOPED_TRACE(std::string(row.call) + std::to_string(row.level));
+            test.machine.faults.clear();
+            if (second_fails)
+                test.machine.faults = {{row.call, 2, false, 1722, ""}};
+            platform::Session& session = test.start();
+            std::size_t room = 0;
+            session.gate.on_size = [&room](const auto&, std::uint32_t capacity, platform::ToldSize& size) {
+                room = capacity;
+                size.more = 1000;
+            };
+            DWORD count = 7;
+            void* const records = row.enumerate(row.level, &count);
+            EXPECT_EQ(count, room / row.record_size);
+            release_bytes(records);
+            test.stop();
+        }
 }
 
 TEST_F(Inventory, CountIsNeverBelievedWithoutRecords) {

@@ -1,4 +1,5 @@
 #include "spooler/monitor_ports.h"
+#include "spooler/port_monitor.h"
 #include "spooler/tcp_port.h"
 
 #include "harness/test_session.h"
@@ -223,6 +224,8 @@ TEST_F(CustomPorts, RefusesNamesThatDontFit) {
     EXPECT_TRUE(log().ends_with("failed to open printer for port " + std::string(64, 'p') + "\r\n"));
     EXPECT_EQ(add_port(long_monitor.c_str(), TEXT("P"), "10.0.0.7", TEXT("a"), TEXT("b"), 1), 0);
     EXPECT_TRUE(log().ends_with("failed to open printer for port P\r\n"));
+    EXPECT_EQ(open_port_monitor(long_monitor.c_str()), nullptr);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_BUFFER_OVERFLOW});
     EXPECT_EQ(opened(), 0u);
 }
 

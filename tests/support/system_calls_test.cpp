@@ -1,6 +1,9 @@
 #include "harness/test_session.h"
+#include "support/current_folder.h"
+#include "support/install_log.h"
 #include "support/known_folder.h"
 #include "support/library_search.h"
+#include "support/registry_text.h"
 #include "support/system_text.h"
 
 #include <gtest/gtest.h>
@@ -55,4 +58,34 @@ TEST(SystemCalls, TextsOfErrorsAreInTheUsersLanguage) {
     EXPECT_EQ(session.gate.journal().back().call, "LocalFree");
     EXPECT_EQ(system_text(0xdead), nullptr);
     EXPECT_EQ(session.gate.journal().back().argument, "57005 language 1024");
+}
+
+// A size that is exactly the buffer's leaves no room for the terminator, whoever tells it.
+TEST(SystemCalls, SizesAreNotBelieved) {
+    TestSession test;
+    test.machine.registry = {{u"Key", {{u"Value", {1, {'a', 0, 'b', 0}}}}}};
+    test.machine.environment[u"TEMP"] = u"C:\\T";
+    platform::Session& session = test.start();
+    HKEY key = nullptr;
+    ASSERT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, u"Key", 0, KEY_READ, &key), ERROR_SUCCESS);
+    for (const std::uint32_t told : {4u, 5u, 6u, 1000u}) {
+        session.gate.on_size = [told](const platform::JournalEntry& entry, std::uint32_t capacity,
+                                      platform::ToldSize& size) {
+            if (entry.call == "RegQueryValueExW") {
+                size.told = told;
+            } else {
+                size.needed = capacity + 1; // so that the buffer is left unset
+                size.told = capacity;
+            }
+        };
+        WCHAR text[3];
+        EXPECT_EQ(read_registry_text(key, u"Value", text, 4), ERROR_SUCCESS);
+        EXPECT_EQ(std::u16string(text), u"ab");
+        WCHAR folder[64] = {};
+        EXPECT_EQ(get_current_folder(folder, 64), 0);
+        EXPECT_EQ(folder[0], 0);
+        EXPECT_EQ(find_temp_dir(folder, 64, 1), 0);
+        EXPECT_EQ(folder[0], 0);
+    }
+    RegCloseKey(key);
 }

@@ -62,7 +62,7 @@ bool Gate::fails(std::size_t place, std::uint32_t default_error, std::uint32_t& 
 }
 
 ToldSize Gate::size(std::size_t place, std::uint32_t needed, std::uint32_t capacity) {
-    ToldSize size{needed, needed};
+    ToldSize size{needed, needed, 0};
     if (!on_size)
         return size;
     JournalEntry entry;

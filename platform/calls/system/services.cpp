@@ -244,7 +244,7 @@ BOOL EnumDependentServicesW(SC_HANDLE handle, DWORD state, LPENUM_SERVICE_STATUS
     }
     const platform::ToldSize answer = call.size(found.bytes(), size);
     *needed = size < answer.needed ? answer.told : 0;
-    *returned = 0;
+    *returned = answer.more;
     if (size < answer.needed) {
         if (size != 0)
             std::memset(static_cast<void*>(records), 0xCD, size);
@@ -252,7 +252,7 @@ BOOL EnumDependentServicesW(SC_HANDLE handle, DWORD state, LPENUM_SERVICE_STATUS
     }
     if (found.count() != 0)
         found.write(records);
-    *returned = static_cast<DWORD>(found.count());
+    *returned = static_cast<DWORD>(found.count() + answer.more);
     return TRUE;
 }
 
