@@ -85,7 +85,7 @@ endif()
 option(TRK_UNITY "compile several sources of the layer, the tool and the tests at once" OFF)
 if(TRK_UNITY AND NOT WIN32)
   set(CMAKE_UNITY_BUILD ON)
-  set(CMAKE_UNITY_BUILD_BATCH_SIZE 10)
+  set(CMAKE_UNITY_BUILD_BATCH_SIZE 25)
   # A source's own unnamed namespace is no other's, though the compiler sees it in an included file.
   add_compile_options(-Wno-subobject-linkage)
 endif()

@@ -14,7 +14,7 @@ namespace rehearsal {
 namespace {
 
 // The signals that end the printer, as a descriptor to wait on.
-int ending_signals() {
+int ending_descriptor() {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGTERM);
@@ -38,7 +38,7 @@ void serve(LabelPrinter& printer, const PrinterOptions& options, int signals) {
 int run_printer(const PrinterOptions& options) {
     // Writing to a pipe without a reader must not kill; the loop sees it and ends.
     std::signal(SIGPIPE, SIG_IGN);
-    const int signals = ending_signals();
+    const int signals = ending_descriptor();
     int status = ended_well;
     try {
         LabelPrinter printer(options, std::cout);

@@ -13,13 +13,8 @@
 #include <string_view>
 
 // profiles.json: "every" has the keys of all machines, "profiles" a list of name, line and the machine's own
-// keys, which take the place of those. "${driver}" and the like stand for what the medium has.
-__asm__(".section .rodata\n"
-        "trk_profiles:\n"
-        ".incbin \"" TRK_PROFILES_FILE "\"\n"
-        "trk_profiles_end:\n"
-        ".previous\n");
-
+// keys, which take the place of those. "${driver}" and the like stand for what the medium has. Its bytes are
+// in profiles_file.cpp.
 extern "C" {
 extern const char trk_profiles[];
 extern const char trk_profiles_end[];

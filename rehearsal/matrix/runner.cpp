@@ -237,7 +237,7 @@ void Runner::end_overdue() {
 
 void Runner::read_from(Child& child) {
     char bytes[16384];
-    const ssize_t count = read(child.pipe, bytes, sizeof bytes);
+    const ssize_t count = ::read(child.pipe, bytes, sizeof bytes);
     if (count > 0) {
         child.text.append(bytes, static_cast<std::size_t>(count));
     } else if (count == 0 || errno != EINTR) {

@@ -12,7 +12,7 @@ namespace {
 constexpr UINT sent_message = WM_USER + 5;
 constexpr UINT posted_message = WM_USER + 6;
 
-HWND dialog = nullptr;
+HWND receiver = nullptr;
 std::vector<UINT> handled; // on the main thread
 DWORD owner_thread = 0;
 DWORD handling_thread = 0;
@@ -29,16 +29,16 @@ INT_PTR CALLBACK answering_procedure(HWND window, UINT message, WPARAM wparam, L
 }
 
 void send_then_post(void*) {
-    answer = SendMessageW(dialog, sent_message, 20, 3);
-    PostMessageW(dialog, posted_message, 0, 0);
+    answer = SendMessageW(receiver, sent_message, 20, 3);
+    PostMessageW(receiver, posted_message, 0, 0);
 }
 
 void change_texts(void*) {
-    const HWND edit = GetDlgItem(dialog, 1000);
+    const HWND edit = GetDlgItem(receiver, 1000);
     SetWindowTextW(edit, TEXT("10.0.0.7"));
     answer = GetWindowTextW(edit, text_seen, 16);
-    answer += SendDlgItemMessageW(dialog, 1000, WM_GETTEXTLENGTH, 0, 0);
-    PostMessageW(dialog, posted_message, 0, 0);
+    answer += SendDlgItemMessageW(receiver, 1000, WM_GETTEXTLENGTH, 0, 0);
+    PostMessageW(receiver, posted_message, 0, 0);
 }
 
 class Messages : public CallsTest {
@@ -47,10 +47,10 @@ protected:
         handled.clear();
         answer = 0;
         owner_thread = GetCurrentThreadId();
-        dialog = CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(104), nullptr,
-                                    answering_procedure, 0);
+        receiver = CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(104), nullptr,
+                                      answering_procedure, 0);
     }
-    ~Messages() override { DestroyWindow(dialog); }
+    ~Messages() override { DestroyWindow(receiver); }
 
     // What one GetMessageW gives while the worker runs. Posting is the worker's last act.
     static MSG message_beside(void (*worker)(void*)) {
@@ -64,7 +64,7 @@ protected:
 TEST_F(Messages, ASentMessageIsServedAndDoesNotReturn) {
     const MSG message = message_beside(send_then_post);
     EXPECT_EQ(message.message, posted_message);
-    EXPECT_EQ(message.hwnd, dialog);
+    EXPECT_EQ(message.hwnd, receiver);
     EXPECT_EQ(handled, std::vector<UINT>{sent_message}) << "the posted one waits for its dispatch";
     EXPECT_EQ(handling_thread, owner_thread);
     EXPECT_EQ(answer, 23);
@@ -79,7 +79,7 @@ TEST_F(Messages, AnotherThreadReadsAndWritesTextsThroughTheOwner) {
 
 TEST_F(Messages, PostedMessagesKeepTheirOrderAndQuitComesLast) {
     PostQuitMessage(7);
-    PostMessageW(dialog, posted_message, 1, 0);
+    PostMessageW(receiver, posted_message, 1, 0);
     PostMessageW(nullptr, posted_message, 2, 0);
     MSG message = {};
     for (const WPARAM expected : {1u, 2u}) {
@@ -95,7 +95,7 @@ TEST_F(Messages, PostedMessagesKeepTheirOrderAndQuitComesLast) {
 }
 
 TEST_F(Messages, PeekingLeavesAMessageUnlessItIsTakenOut) {
-    PostMessageW(dialog, posted_message, 0, 0);
+    PostMessageW(receiver, posted_message, 0, 0);
     MSG message = {};
     EXPECT_TRUE(PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE));
     EXPECT_TRUE(PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE));

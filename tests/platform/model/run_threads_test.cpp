@@ -15,7 +15,7 @@
 
 namespace {
 
-HWND dialog = nullptr;
+HWND receiver = nullptr;
 HANDLE mutex = nullptr;
 std::atomic<int> reached = 0;
 std::atomic<LRESULT> answer = -1;
@@ -28,7 +28,7 @@ INT_PTR CALLBACK answering_procedure(HWND window, UINT message, WPARAM, LPARAM) 
 }
 
 void send_message_to_main(void*) {
-    answer = SendMessageW(dialog, WM_USER + 1, 0, 0);
+    answer = SendMessageW(receiver, WM_USER + 1, 0, 0);
     ++reached;
 }
 
@@ -39,7 +39,7 @@ void take_mutex(void*) {
 
 void take_and_send(void*) {
     WaitForSingleObject(mutex, INFINITE);
-    SendMessageW(dialog, WM_USER + 1, 0, 0);
+    SendMessageW(receiver, WM_USER + 1, 0, 0);
     ++reached;
 }
 
@@ -57,7 +57,7 @@ protected:
         options.drive_c = test.drive_c;
         options.resources = TRK_RESOURCE_FILE;
         session.emplace(test.machine, options, test.user);
-        dialog = CreateDialogParamW(nullptr, MAKEINTRESOURCEW(104), nullptr, answering_procedure, 0);
+        receiver = CreateDialogParamW(nullptr, MAKEINTRESOURCEW(104), nullptr, answering_procedure, 0);
         mutex = CreateMutexW(nullptr, FALSE, nullptr);
     }
 
@@ -127,7 +127,7 @@ TEST_F(RunThreads, ASenderThatHoldsWhatTheOwnerWantsStopsTheRun) {
 }
 
 TEST_F(RunThreads, ARefusalOnAnotherThreadStopsTheMainThread) {
-    ShowWindow(dialog, SW_SHOW);
+    ShowWindow(receiver, SW_SHOW);
     EXPECT_TRUE(start(ask_for_the_unknown));
     MSG message;
     EXPECT_THROW(
